@@ -1,0 +1,18 @@
+# Puts the template beside the built program as its first ledger, unless somebody has worked in the one that is there:
+# the checksum of what was put there last tells. Takes -Dtemplate=FILE -Dledger=FILE.
+set(record ${template}.staged)
+if(EXISTS ${ledger} AND EXISTS ${record})
+  file(READ ${record} put)
+  file(SHA256 ${ledger} found)
+  if(NOT found STREQUAL put)
+    message(STATUS "${ledger} has been worked in: left as it is. Delete it to get the new template.")
+    return()
+  endif()
+elseif(EXISTS ${ledger})
+  message(STATUS "${ledger} wasn't put there by the build: left as it is. Delete it to get the template.")
+  return()
+endif()
+file(COPY_FILE ${template} ${ledger})
+file(TOUCH_NOCREATE ${ledger})
+file(SHA256 ${ledger} put)
+file(WRITE ${record} ${put})
