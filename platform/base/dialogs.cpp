@@ -1,0 +1,66 @@
+#include "platform/base/dialogs.h"
+
+namespace {
+
+std::unique_ptr<DialogHost> host;
+std::function<void()> hook;
+
+DialogHost& asking()
+{
+    Q_ASSERT_X(host, "dialogs", "no dialog host is set");
+    beforeAsking();
+    return *host;
+}
+
+} // namespace
+
+void setDialogHost(std::unique_ptr<DialogHost> newHost)
+{
+    host = std::move(newHost);
+}
+
+std::function<void()> setBeforeAsking(std::function<void()> newHook)
+{
+    return std::exchange(hook, std::move(newHook));
+}
+
+void beforeAsking()
+{
+    if (hook)
+        hook();
+}
+
+void MsgBox(const QString& text, const QString& title, BoxIcon icon)
+{
+    asking().show({text, title, icon});
+}
+
+bool askYesNo(const QString& text, const QString& title)
+{
+    return asking().show({text, title, BoxIcon::Question, BoxButtons::YesNo}) == Answer::Yes;
+}
+
+void errorBox(const QString& text)
+{
+    asking().show({text, u"提示"_s, BoxIcon::Exclamation, BoxButtons::Ok, BoxKind::Error});
+}
+
+QString InputBox(const QString& prompt, const QString& title, const QString& preset)
+{
+    return asking().input({prompt, title, preset}).value_or(QString());
+}
+
+std::optional<QString> openFileDialog(const QString& title, const QString& filter, const QString& fileName)
+{
+    return asking().chooseFile({FileRequest::Purpose::Open, title, filter, fileName});
+}
+
+std::optional<QString> saveFileDialog(const QString& title, const QString& filter, const QString& fileName)
+{
+    return asking().chooseFile({FileRequest::Purpose::Save, title, filter, fileName});
+}
+
+void DoEvents()
+{
+    asking().doEvents();
+}

@@ -1,0 +1,45 @@
+#include "platform/base/durable.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+/// The names in a folder are content of their own. A file system that can't sync a folder keeps its names by itself.
+void syncFolderOf([[maybe_unused]] const QString& path)
+{
+#ifndef Q_OS_WIN
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
+#endif
+}
+
+} // namespace
+
+bool renameDurably(const QString& from, const QString& to)
+{
+    if (QFileInfo::exists(to) || !QFile::rename(from, to))
+        return false;
+    syncFolderOf(to);
+    return true;
+}
+
+bool replaceDurably(const QString& from, const QString& to)
+{
+    std::error_code error;
+    std::filesystem::rename(from.toStdU16String(), to.toStdU16String(), error);
+    if (error)
+        return false;
+    syncFolderOf(to);
+    return true;
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+/// Gives a file, whose content is on the disk already, another name in the same folder, and does not return before
+/// that is on the disk too. Never replaces a file. Returns false when the name could not be given.
+bool renameDurably(const QString& from, const QString& to);
+/// The same, but in place of what bears the name now: afterwards it is the one file or the other, whole.
+bool replaceDurably(const QString& from, const QString& to);
