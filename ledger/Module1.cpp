@@ -1,0 +1,169 @@
+#include "ledger/Module1.h"
+
+#include "ledger/literal.h"
+#include "platform/base/clock.h"
+#include "platform/base/date.h"
+#include "platform/base/dialogs.h"
+#include "platform/base/status.h"
+#include "shell/session.h"
+
+#include <array>
+
+const QString noNumberLeft = u"请录入单据号"_s;
+
+namespace {
+
+constexpr int ledgerPanel = 4;
+constexpr int lastSequence = 9999;
+
+/// The fraction of a number as its text shows it, with the number's sign.
+double textFraction(double x)
+{
+    const QString text = plainText(x);
+    const qsizetype point = text.indexOf(u'.');
+    const double fraction = point < 0 ? 0 : Val(u'0' + text.sliced(point));
+    return x < 0 ? -fraction : fraction;
+}
+
+} // namespace
+
+QString PriceMask(int& n)
+{
+    n = qMin(n, 8);
+    return n > 0 ? u"#0."_s + QString(n, u'0') : u"#0"_s;
+}
+
+QString NumText(double x)
+{
+    return plainText(x); // which never begins with the point
+}
+
+double SplitSub(double a, double b)
+{
+    const double whole = Fix(a) - Fix(b);
+    double fraction = textFraction(a) - textFraction(b);
+    if (plainText(fraction).contains(u'E'))
+        fraction = Val(Format(fraction, u"#0.000000000"));
+    return whole + fraction;
+}
+
+void LoadYearStart()
+{
+    const QString lastEnd = LookupValue(gDB, u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc "_s);
+    if (const auto end = parseDate(lastEnd)) {
+        gYearStart = dateText(end->addDays(1));
+        return;
+    }
+    const QString first = LookupValue(gDB, u"select F7 from reginfo"_s);
+    gYearStart = IsDate(first) ? first : u"2004-1-1"_s;
+}
+
+QString NextDocNumber(const QString& prefix, const QString& table)
+{
+    const QDate today = Today();
+    const QString base = prefix + Right(QString::number(today.year()), 2) + Format(today.month(), u"#00");
+    const QString highest = LookupValue(gDB, u"select top 1 F1 from "_s + table + u" where F1 like "_s +
+                                                 sqlText(base + u"??????"_s) + u" order by F1 desc"_s);
+    int n = highest.size() >= 8 ? int(Val(Right(highest, 4))) + 1 : 1;
+    const ReadRun reads(gDB);
+    for (; n <= lastSequence; ++n) {
+        const QString sequence = Format(n, u"#0000");
+        const Recordset used = gDB.OpenRecordset(u"select F1 from "_s + table + u" where F1 like "_s +
+                                                 sqlText(base + u"??"_s + sequence));
+        if (!used.isEOF())
+            continue;
+        QString candidate = base + Format(today.day(), u"#00") + sequence;
+        if (DanNoFree(candidate))
+            return candidate;
+    }
+    return noNumberLeft;
+}
+
+bool DanNoFree(QString& no)
+{
+    no = Trim(no);
+    const Recordset rows = gDB.OpenRecordset(u"select DanF1 from DanNo where DanF1="_s + sqlText(no));
+    return rows.isEOF() && rows.isBOF();
+}
+
+void DanNoReserve(QString& no, int flag)
+{
+    no = Trim(no);
+    if (no == noNumberLeft)
+        return; // a prompt, not a number
+    try {
+        if (DanNoFree(no))
+            gDB.Execute(u"insert into DanNo (DanF1,Flg,Other) values ("_s + sqlText(no) + u',' + NumText(flag) + u',' +
+                        sqlText(gOperName) + u')');
+    } catch (const StoreError&) { // as told in the header
+    }
+}
+
+void DanNoRelease(const QString& no)
+{
+    try {
+        gDB.Execute(u"delete from DanNo where DanF1="_s + sqlText(Trim(no)));
+    } catch (const StoreError&) { // as told in the header
+    }
+}
+
+QString PartnerName(const QString& text)
+{
+    const QString code = codeOf(Trim(text));
+    QString name = LookupValue(gDB, u"select F2 from Ta1 where F1="_s + sqlText(code));
+    if (name == u"NoFound")
+        name = LookupValue(gDB, u"select F2 from Ta2 where F1="_s + sqlText(code));
+    return name.isEmpty() || name == u"NoFound" ? code : name;
+}
+
+void LoadSettings()
+{
+    struct Setting
+    {
+        int id;
+        int* global;
+    };
+    const auto settings = std::to_array<Setting>({{0, &gNoOverIssue},
+                                                  {1, &gNoPriceEdit},
+                                                  {2, &gNoAvgUpdate},
+                                                  {3, &gNoNegativeQty},
+                                                  {5, &gWithMoney},
+                                                  {6, &gLowAlarm},
+                                                  {7, &gHighAlarm},
+                                                  {8, &gStockEdit001},
+                                                  {9, &gPriceDecimals},
+                                                  {10, &gOpeningEdit001}});
+    constexpr int salePriceFactorId = 4; // the one that is kept as text
+
+    Recordset rows = gDB.OpenRecordset(u"select ID,setval,Setstr from sysinfo order by ID"_s);
+    for (; !rows.isEOF(); rows.MoveNext()) {
+        const int id = int(rows.Fields(0).number());
+        if (id == salePriceFactorId)
+            gSalePriceFactor = singleValue(rows.Fields(2).number());
+        for (const Setting& setting : settings)
+            if (setting.id == id)
+                *setting.global = int(rows.Fields(1).number());
+    }
+    gPriceDecimals = qMax(gPriceDecimals, 0);
+    gPriceFormat = PriceMask(gPriceDecimals);
+}
+
+void LedgerStatus()
+{
+    setStatusPanel(ledgerPanel, gLedgerName);
+}
+
+void BusyStatus()
+{
+    setStatusPanel(ledgerPanel, u"请稍候，系统正在读入数据……"_s);
+}
+
+void SavedNotice()
+{
+    MsgBox(u"单据保存成功！\n\n但是现在单据并没有正式生效，\n必须经[审核]操作，单据才正式生效并更新库存！"_s);
+}
+
+void EditingNotice()
+{
+    MsgBox(u"正在有数据被编辑,现在退出会造成本次编辑的数据丢失。\n\n请您首先点击<保存>或<取消>菜单结束本次编辑。"_s);
+}

@@ -1,0 +1,20 @@
+#include "ledger/literal.h"
+
+QString sqlText(QStringView text)
+{
+    QString quoted;
+    quoted.reserve(text.size() + 2);
+    quoted += u'\'';
+    for (const QChar c : text) {
+        quoted += c;
+        if (c == u'\'')
+            quoted += c;
+    }
+    quoted += u'\'';
+    return quoted;
+}
+
+QString sqlNumber(const Value& number)
+{
+    return number.isNull() ? QString() : plainText(number.number());
+}

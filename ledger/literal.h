@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/base/value.h"
+
+#include <QString>
+
+/// The only two ways for a value into the text of a statement.
+
+/// In single quotes, quotes in it doubled: an apostrophe is data.
+QString sqlText(QStringView text);
+/// As a number's text (`NumText`). A Null is no value and gives "", which makes a malformed statement where the rules
+/// of the business ask for one.
+QString sqlNumber(const Value& number);
