@@ -1,0 +1,347 @@
+#include "platform/widgets/form.h"
+
+#include "platform/base/dialogs.h"
+#include "platform/widgets/style.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QTabBar>
+
+#include <exception>
+
+namespace {
+
+constexpr auto captionProperty = "caption";
+constexpr auto droppedProperty = "letterDropped";
+
+QList<Form*>& loadedForms()
+{
+    static QList<Form*> forms;
+    return forms;
+}
+
+QPointer<QMdiArea>& formArea()
+{
+    static QPointer<QMdiArea> area;
+    return area;
+}
+
+QString withoutLetter(const QString& caption)
+{
+    QString shown;
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        if (caption[i] != u'&')
+            shown += caption[i];
+        else if (i + 1 < caption.size() && caption[i + 1] == u'&')
+            shown += caption.mid(i++, 2);
+    }
+    return shown;
+}
+
+void showCaption(QAction* action)
+{
+    const QString caption = commandCaption(action);
+    const bool letterless = !action->isVisible() || action->property(droppedProperty).toBool();
+    const QString shown = letterless ? withoutLetter(caption) : caption;
+    if (action->text() != shown)
+        action->setText(shown);
+}
+
+/// Without a window manager no window is active after a modal one has closed, and no shortcut works any more. The
+/// closed one may still count as active until its window system has been heard.
+void activateAgain(QWidget* owner)
+{
+    const QWidget* active = QApplication::activeWindow();
+    if (owner && owner->isVisible() && (!active || !active->isVisible()))
+        owner->activateWindow();
+}
+
+QWidget* windowInFront()
+{
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return formArea() ? formArea()->window() : nullptr;
+}
+
+} // namespace
+
+bool runCommand(const std::function<void()>& command)
+{
+    try {
+        command();
+        return true;
+    } catch (const std::exception& failure) {
+        errorBox(QString::fromUtf8(failure.what()));
+        return false;
+    }
+}
+
+int execModal(QDialog& dialog)
+{
+    beforeAsking();
+    const QPointer<QWidget> owner = windowInFront();
+    const int result = dialog.exec();
+    activateAgain(owner);
+    return result;
+}
+
+Form::Form(const QString& name, const QString& caption)
+    : bar_(new QMenuBar(this))
+{
+    setObjectName(name);
+    setCaption(caption);
+    setAutoFillBackground(true);
+    setAttribute(Qt::WA_QuitOnClose, false); // a form before the main window, closed, doesn't end the program
+    bar_->setNativeMenuBar(false);
+    bar_->hide(); // a form without commands has no empty bar
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->setSpacing(0);
+    outer->addWidget(bar_);
+    content_ = new QVBoxLayout;
+    content_->setContentsMargins(style::spacing + 2, style::spacing, style::spacing + 2, style::spacing);
+    content_->setSpacing(style::spacing);
+    outer->addLayout(content_, 1);
+    loadedForms().append(this);
+}
+
+Form::~Form()
+{
+    loadedForms().removeOne(this);
+    if (modal_)
+        modal_->quit();
+}
+
+void Form::setCaption(const QString& caption)
+{
+    caption_ = caption;
+    setWindowTitle(caption);
+}
+
+void Form::Show()
+{
+    if (released_)
+        return;
+    if (!formArea()) {
+        show();
+        activateWindow();
+        focusInside();
+        return;
+    }
+    if (!child_) {
+        child_ = formArea()->addSubWindow(this);
+        child_->setWindowIcon(QApplication::windowIcon());
+    }
+    child_->showMaximized();
+    formArea()->setActiveSubWindow(child_);
+    focusInside();
+}
+
+void Form::ShowModal()
+{
+    if (released_ || modal_)
+        return;
+    beforeAsking();
+    const QPointer<QWidget> owner = windowInFront();
+    setParent(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    setWindowModality(Qt::ApplicationModal);
+    if (layout())
+        layout()->activate();
+    if (!testAttribute(Qt::WA_Resized))
+        adjustSize();
+    if (owner) {
+        const QRect frame = owner->frameGeometry();
+        move(frame.center() - rect().center());
+    }
+    const QPointer<Form> self = this;
+    QEventLoop loop;
+    modal_ = &loop;
+    show();
+    activateWindow();
+    focusInside();
+    loop.exec(QEventLoop::DialogExec);
+    if (self) {
+        modal_ = nullptr;
+        hide();
+        if (!released_)
+            setParent(nullptr); // hidden but loaded: it must not end with the window that it stood before
+    }
+    activateAgain(owner);
+}
+
+bool Form::Unload()
+{
+    if (!release())
+        return false;
+    if (child_)
+        child_->close(); // takes the tab away and destroys the child window with the form in it
+    else
+        close();
+    return true;
+}
+
+/// Asks, tells the form, and takes it off the list of loaded forms. True once the form is on its way out.
+bool Form::release()
+{
+    if (released_)
+        return true;
+    if (unloading_)
+        return false;
+    unloading_ = true;
+    bool agreed = false;
+    const bool asked = runCommand([&] { agreed = queryUnload(); });
+    unloading_ = false;
+    if (!asked || !agreed)
+        return false;
+    released_ = true;
+    loadedForms().removeOne(this);
+    runCommand([this] { unloaded(); });
+    if (modal_)
+        modal_->quit();
+    if (!child_)
+        deleteLater();
+    return true;
+}
+
+void Form::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(release());
+}
+
+void Form::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    if (modal_ && !event->spontaneous())
+        modal_->quit();
+}
+
+void Form::focusInside()
+{
+    QWidget* current = focusWidget();
+    if (current && current != this && isAncestorOf(current) && current->isEnabled() && !bar_->isAncestorOf(current)) {
+        current->setFocus();
+        return;
+    }
+    QWidget* target = firstFocus();
+    for (QWidget* next = nextInFocusChain(); !target && next != this; next = next->nextInFocusChain())
+        if (isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) && next->isEnabled() && next->isVisibleTo(this))
+            target = next;
+    if (!target) {
+        // Something inside must have the focus, else the commands' letters don't work.
+        setFocusPolicy(Qt::StrongFocus);
+        target = this;
+    }
+    target->setFocus();
+}
+
+Form* Form::loaded(const QString& name)
+{
+    const auto& forms = loadedForms();
+    const auto found = std::find_if(forms.rbegin(), forms.rend(), [&](Form* form) { return form->Name() == name; });
+    return found == forms.rend() ? nullptr : *found;
+}
+
+const QList<Form*>& Form::all()
+{
+    return loadedForms();
+}
+
+void Form::setArea(QMdiArea* area)
+{
+    formArea() = area;
+    if (!area)
+        return;
+    area->setViewMode(QMdiArea::TabbedView);
+    area->setDocumentMode(true);
+    area->setTabsClosable(true);
+    area->setTabsMovable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    if (auto* tabs = area->findChild<QTabBar*>()) {
+        tabs->setExpanding(false);
+        tabs->setDrawBase(false);
+    }
+}
+
+Form* Form::activeChild()
+{
+    if (!formArea())
+        return nullptr;
+    // `currentSubWindow` also answers while another window of the program is active.
+    QMdiSubWindow* child = formArea()->currentSubWindow();
+    return child ? qobject_cast<Form*>(child->widget()) : nullptr;
+}
+
+void Form::shareLetters(QMenuBar* mainMenu)
+{
+    QObject::connect(qApp, &QApplication::focusChanged, mainMenu, [mainMenu] {
+        const QWidget* focus = QApplication::focusWidget();
+        const bool inChild = focus && formArea() && formArea()->isAncestorOf(focus);
+        for (QAction* action : mainMenu->actions())
+            setCommandLetterDropped(action, inChild);
+    });
+}
+
+QAction* Form::addCommand(const QString& name, const QString& caption, std::function<void()> run)
+{
+    return addCommand(nullptr, name, caption, std::move(run));
+}
+
+QAction* Form::addCommand(QMenu* menu, const QString& name, const QString& caption, std::function<void()> run)
+{
+    auto* action = new QAction(this);
+    action->setObjectName(name);
+    setCommandCaption(action, caption);
+    connect(action, &QAction::triggered, this, [run = std::move(run)] { runCommand(run); });
+    if (menu)
+        menu->addAction(action);
+    else
+        bar_->addAction(action);
+    bar_->show();
+    return action;
+}
+
+QMenu* Form::addCommandMenu(const QString& name, const QString& caption)
+{
+    auto* menu = new QMenu(this);
+    menu->menuAction()->setObjectName(name);
+    setCommandCaption(menu->menuAction(), caption);
+    bar_->addMenu(menu);
+    bar_->show();
+    return menu;
+}
+
+QAction* Form::command(const QString& name) const
+{
+    return findChild<QAction*>(name);
+}
+
+QString commandCaption(const QAction* action)
+{
+    const QVariant caption = action->property(captionProperty);
+    return caption.isValid() ? caption.toString() : action->text();
+}
+
+void setCommandCaption(QAction* action, const QString& caption)
+{
+    action->setProperty(captionProperty, caption);
+    showCaption(action);
+}
+
+void setCommandVisible(QAction* action, bool visible)
+{
+    if (!action->property(captionProperty).isValid())
+        action->setProperty(captionProperty, action->text());
+    action->setVisible(visible);
+    showCaption(action);
+}
+
+void setCommandLetterDropped(QAction* action, bool dropped)
+{
+    if (!action->property(captionProperty).isValid())
+        action->setProperty(captionProperty, action->text());
+    action->setProperty(droppedProperty, dropped);
+    showCaption(action);
+}

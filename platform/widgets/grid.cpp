@@ -1,0 +1,763 @@
+#include "platform/widgets/grid.h"
+
+#include "platform/base/desktop.h"
+#include "platform/base/number.h"
+#include "platform/widgets/form.h"
+#include "platform/widgets/style.h"
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+#include <set>
+
+/// The texts of a grid: the captions apart, data rows counted from 0 as the toolkit does. A row may hold fewer cells
+/// than there are columns.
+class GridModel : public QAbstractTableModel
+{
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : int(rows_.size()); }
+    int columnCount(const QModelIndex& parent = {}) const override
+    {
+        return parent.isValid() ? 0 : int(columns_.size());
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        switch (role) {
+        case Qt::DisplayRole:
+            return text(index.row(), index.column());
+        case Qt::TextAlignmentRole:
+            return alignment(index.column());
+        case Qt::ForegroundRole:
+            if (columns_[index.column()].kind == ColumnKind::Number) {
+                const QString shown = text(index.row(), index.column());
+                if (shown.startsWith(u'-') && Val(shown) < 0)
+                    return style::color(style::Role::Negative);
+            }
+            return {};
+        case Qt::BackgroundRole:
+            return emphasized_.contains(index.row()) ? style::color(style::Role::HeaderGround) : QVariant();
+        case Qt::FontRole:
+            if (emphasized_.contains(index.row())) {
+                QFont font = QApplication::font();
+                font.setBold(true);
+                return font;
+            }
+            return {};
+        default:
+            return {};
+        }
+    }
+
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        if (orientation == Qt::Vertical) {
+            if (role == Qt::TextAlignmentRole)
+                return int(Qt::AlignCenter);
+            return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+        }
+        if (role == Qt::TextAlignmentRole)
+            return alignment(section);
+        return role == Qt::DisplayRole ? QVariant(columns_[section].caption) : QVariant();
+    }
+
+    QString text(int row, int column) const
+    {
+        const QStringList& cells = rows_[row];
+        return column < cells.size() ? cells[column] : QString();
+    }
+
+    void setText(int row, int column, const QString& text)
+    {
+        QStringList& cells = rows_[row];
+        while (cells.size() <= column)
+            cells.append(QString());
+        cells[column] = text;
+        emit dataChanged(index(row, column), index(row, column));
+    }
+
+    QString caption(int column) const { return columns_[column].caption; }
+    void setCaption(int column, const QString& caption)
+    {
+        columns_[column].caption = caption;
+        emit headerDataChanged(Qt::Horizontal, column, column);
+    }
+
+    void setColumns(const QList<GridColumn>& columns)
+    {
+        beginResetModel();
+        columns_ = columns;
+        rows_.clear();
+        emphasized_.clear();
+        endResetModel();
+    }
+
+    void setRows(QList<QStringList> rows)
+    {
+        beginResetModel();
+        rows_ = std::move(rows);
+        emphasized_.clear();
+        endResetModel();
+    }
+
+    void append(const QList<QStringList>& rows)
+    {
+        beginInsertRows({}, rowCount(), rowCount() + int(rows.size()) - 1);
+        rows_ += rows;
+        endInsertRows();
+    }
+
+    void remove(int row, int count)
+    {
+        beginRemoveRows({}, row, row + count - 1);
+        rows_.remove(row, count);
+        std::set<int> kept;
+        for (const int at : emphasized_)
+            if (at < row || at >= row + count)
+                kept.insert(at < row ? at : at - count);
+        emphasized_ = std::move(kept);
+        endRemoveRows();
+    }
+
+    void emphasize(int row)
+    {
+        emphasized_.insert(row);
+        emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
+
+private:
+    int alignment(int column) const
+    {
+        switch (columns_[column].kind) {
+        case ColumnKind::Number:
+            return int(Qt::AlignRight | Qt::AlignVCenter);
+        case ColumnKind::Centred:
+            return int(Qt::AlignCenter);
+        case ColumnKind::Text:
+            break;
+        }
+        return int(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+
+    QList<GridColumn> columns_;
+    QList<QStringList> rows_;
+    std::set<int> emphasized_;
+};
+
+namespace {
+
+/// The whole row is selected; a thin frame tells which of its cells the keys belong to.
+class CellPainter : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyleOptionViewItem plain = option;
+        plain.state &= ~QStyle::State_HasFocus;
+        QStyledItemDelegate::paint(painter, plain, index);
+        if (!(option.state & QStyle::State_HasFocus))
+            return;
+        painter->save();
+        painter->setPen(style::color(style::Role::Accent));
+        painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+};
+
+/// The editor over a cell. A cell of a number column takes no input method, which only this answer keeps away.
+class CellEdit : public QLineEdit
+{
+public:
+    using QLineEdit::QLineEdit;
+
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override
+    {
+        return query == Qt::ImEnabled && number ? QVariant(false) : QLineEdit::inputMethodQuery(query);
+    }
+
+    bool number = false;
+};
+
+const QString widthsApplication = u"Vemaroware"_s;
+const QString widthsSection = u"Grid"_s;
+constexpr int smallestColumn = 24;
+constexpr int numbersWidth = 38; ///< of the row numbers, up to 9999; more digits widen it
+
+} // namespace
+
+Grid::Grid(const QString& name, QWidget* parent)
+    : QTableView(parent)
+    , TxtEnter(new CellEdit(viewport()))
+    , model_(new GridModel(this))
+{
+    setObjectName(name);
+    TxtEnter->setObjectName(u"TxtEnter"_s);
+    TxtEnter->hide();
+    TxtEnter->installEventFilter(this);
+    connect(TxtEnter, &QLineEdit::returnPressed, this, &Grid::goOn);
+
+    setModel(model_);
+    setItemDelegate(new CellPainter(this));
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setVerticalScrollMode(ScrollPerItem);
+    setCornerButtonEnabled(false);
+
+    verticalHeader()->setMinimumSectionSize(style::rowHeight);
+    verticalHeader()->setDefaultSectionSize(style::rowHeight);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumWidth(numbersWidth);
+    horizontalHeader()->setFixedHeight(style::headerHeight);
+    horizontalHeader()->setMinimumSectionSize(smallestColumn);
+    for (QHeaderView* header : {verticalHeader(), horizontalHeader()}) {
+        header->setHighlightSections(false);
+        header->setSectionsClickable(false); // a click there would take the current row from under an edit
+    }
+    horizontalHeader()->viewport()->installEventFilter(this);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
+        if (dragging_ && !fitting_ && column < columns_.size()) {
+            columns_[column].width = width;
+            widthsChanged_ = true;
+        }
+        fitStretch();
+        placeEditor();
+    });
+
+    auto* copy = new QAction(u"复制(&C)"_s, this);
+    copy->setObjectName(u"GridCopy"_s);
+    copy->setShortcut(QKeySequence::Copy);
+    copy->setShortcutContext(Qt::WidgetShortcut);
+    connect(copy, &QAction::triggered, this, &Grid::copySelection);
+    addAction(copy);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void Grid::setColumns(const QList<GridColumn>& columns)
+{
+    dropEdit();
+    columns_ = columns;
+    model_->setColumns(columns);
+    for (int column = 0; column < columns.size(); ++column) {
+        setColumnWidth(column, columns[column].width);
+        setColumnHidden(column, columns[column].hidden);
+    }
+    fitStretch();
+}
+
+void Grid::clearRows()
+{
+    setRows({QStringList()});
+}
+
+void Grid::setRows(QList<QStringList> rows)
+{
+    dropEdit();
+    model_->setRows(std::move(rows));
+}
+
+int Grid::Rows() const
+{
+    return model_->rowCount() + 1;
+}
+
+int Grid::Cols() const
+{
+    return model_->columnCount();
+}
+
+void Grid::setRowCount(int rows)
+{
+    const int wanted = std::max(rows - 1, 0);
+    const int present = model_->rowCount();
+    if (wanted > present) {
+        model_->append(QList<QStringList>(wanted - present));
+    } else if (wanted < present) {
+        if (state_ == EditState::Open && cell_.y() > wanted)
+            dropEdit();
+        model_->remove(wanted, present - wanted);
+    }
+}
+
+QString Grid::TextMatrix(int row, int column) const
+{
+    if (row < 0 || row >= Rows() || column < 0 || column >= Cols())
+        return {};
+    return row == 0 ? model_->caption(column) : model_->text(row - 1, column);
+}
+
+void Grid::SetTextMatrix(int row, int column, const QString& text)
+{
+    if (row < 0 || row >= Rows() || column < 0 || column >= Cols())
+        return;
+    if (row == 0)
+        model_->setCaption(column, text);
+    else
+        model_->setText(row - 1, column, text);
+}
+
+void Grid::AddItem(const QString& tabbed)
+{
+    model_->append({tabbed.split(u'\t')});
+}
+
+void Grid::RemoveItem(int row)
+{
+    if (row < 1 || row >= Rows())
+        return;
+    if (state_ == EditState::Open) {
+        if (cell_.y() == row)
+            dropEdit();
+        else if (cell_.y() > row)
+            cell_.ry() -= 1;
+    }
+    model_->remove(row - 1, 1);
+    placeEditor();
+}
+
+int Grid::Row() const
+{
+    return currentIndex().row() + 1;
+}
+
+int Grid::Col() const
+{
+    return std::max(currentIndex().column(), 0);
+}
+
+void Grid::select(int row, int column)
+{
+    if (row < 1 || row >= Rows() || (state_ == EditState::Open && !endEdit()))
+        return;
+    const QModelIndex index = model_->index(row - 1, std::clamp(column, 0, std::max(Cols() - 1, 0)));
+    setCurrentIndex(index);
+    scrollTo(index);
+}
+
+bool Grid::columnVisible(int column) const
+{
+    return column >= 0 && column < Cols() && !isColumnHidden(column);
+}
+
+void Grid::setColumnVisible(int column, bool visible)
+{
+    if (column < 0 || column >= Cols())
+        return;
+    columns_[column].hidden = !visible;
+    setColumnHidden(column, !visible);
+    fitStretch();
+}
+
+void Grid::setEmphasized(int row)
+{
+    if (row >= 1 && row < Rows())
+        model_->emphasize(row - 1);
+}
+
+// ---- in-cell editing
+
+bool Grid::editing() const
+{
+    return state_ != EditState::Idle;
+}
+
+bool Grid::opens(int row, int column) const
+{
+    if (!mayEdit || row < 1 || row >= Rows() || !columnVisible(column))
+        return false;
+    bool may = false;
+    runCommand([&] { may = mayEdit(row, column); });
+    return may;
+}
+
+void Grid::edit(int row, int column)
+{
+    if (state_ == EditState::Ending || !endEdit())
+        return;
+    select(row, column);
+    if (opens(row, column))
+        openEditor(row, column);
+}
+
+/// What a click or an arrow does once the cell is current.
+void Grid::reach(int row, int column)
+{
+    runCommand([&] { emit cellReached(row, column); });
+    if (state_ == EditState::Idle && Row() == row && Col() == column && opens(row, column))
+        openEditor(row, column);
+}
+
+void Grid::openEditor(int row, int column)
+{
+    state_ = EditState::Open;
+    cell_ = {column, row};
+    before_ = TextMatrix(row, column);
+    const bool number = columns_[column].kind == ColumnKind::Number;
+    static_cast<CellEdit*>(TxtEnter)->number = number;
+    TxtEnter->setAlignment((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    TxtEnter->setAccessibleName(TextMatrix(0, column));
+    TxtEnter->setText(before_);
+    placeEditor();
+    TxtEnter->show();
+    TxtEnter->setFocus();
+    TxtEnter->selectAll();
+}
+
+bool Grid::endEdit()
+{
+    if (state_ == EditState::Idle)
+        return true;
+    if (state_ == EditState::Ending)
+        return false; // the box of this very edit is up
+    const QString after = TxtEnter->text();
+    if (after != before_) {
+        state_ = EditState::Ending;
+        const QPoint at = cell_;
+        bool accepted = true;
+        const bool ran = runCommand([&] {
+            if (endEditing)
+                accepted = endEditing(at.y(), at.x(), before_, after);
+            else
+                SetTextMatrix(at.y(), at.x(), after);
+        });
+        if (!ran || !accepted) {
+            refuse();
+            return false;
+        }
+    }
+    closeEditor();
+    return true;
+}
+
+/// The old text comes back and the cell keeps the cursor.
+void Grid::refuse()
+{
+    if (cell_.y() >= Rows()) { // the cell went away meanwhile
+        closeEditor();
+        return;
+    }
+    state_ = EditState::Open;
+    setCurrentIndex(model_->index(cell_.y() - 1, cell_.x()));
+    placeEditor();
+    TxtEnter->setText(before_);
+    TxtEnter->setFocus();
+    TxtEnter->selectAll();
+}
+
+void Grid::cancelEdit()
+{
+    if (state_ == EditState::Open)
+        closeEditor();
+}
+
+void Grid::closeEditor()
+{
+    state_ = EditState::Idle;
+    if (TxtEnter->hasFocus())
+        setFocus(); // before hiding, else the focus would wander on to another field
+    TxtEnter->hide();
+}
+
+/// The rows are about to change: an open edit has lost its cell. One that is ending closes by itself.
+void Grid::dropEdit()
+{
+    if (state_ == EditState::Open)
+        closeEditor();
+}
+
+void Grid::placeEditor()
+{
+    if (state_ != EditState::Idle)
+        TxtEnter->setGeometry(visualRect(model_->index(cell_.y() - 1, cell_.x())));
+}
+
+QPoint Grid::following(int row, int column) const
+{
+    if (nextCell) {
+        QPoint next(-1, -1);
+        runCommand([&] { next = nextCell(row, column); });
+        return next;
+    }
+    for (int r = row; r < std::min(row + 2, Rows()); ++r)
+        for (int c = r == row ? column + 1 : 0; c < Cols(); ++c)
+            if (opens(r, c))
+                return {c, r};
+    return {-1, -1};
+}
+
+void Grid::goOn()
+{
+    const QPoint from = cell_;
+    if (!endEdit())
+        return;
+    const QPoint next = following(from.y(), from.x());
+    edit(next.y(), next.x());
+}
+
+void Grid::goBack()
+{
+    const QPoint from = cell_;
+    if (!endEdit())
+        return;
+    for (int row = from.y(); row >= std::max(from.y() - 1, 1); --row)
+        for (int column = row == from.y() ? from.x() - 1 : Cols() - 1; column >= 0; --column)
+            if (opens(row, column)) {
+                edit(row, column);
+                return;
+            }
+}
+
+void Grid::goVertically(int step)
+{
+    const QPoint from = cell_;
+    if (!endEdit())
+        return;
+    const int row = from.y() + step;
+    if (row < 1 || row >= Rows()) {
+        edit(from.y(), from.x());
+        return;
+    }
+    select(row, from.x());
+    reach(row, from.x());
+}
+
+/// Keys of the open editor that lead out of it. Enter comes through `returnPressed`, which an input method that still
+/// composes doesn't raise.
+bool Grid::editorKey(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Tab:
+        goOn();
+        return true;
+    case Qt::Key_Backtab:
+        goBack();
+        return true;
+    case Qt::Key_Up:
+        goVertically(-1);
+        return true;
+    case Qt::Key_Down:
+        goVertically(1);
+        return true;
+    case Qt::Key_Escape:
+        cancelEdit();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool Grid::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == TxtEnter) {
+        if (event->type() == QEvent::KeyPress && state_ == EditState::Open)
+            return editorKey(static_cast<QKeyEvent*>(event));
+        if (event->type() == QEvent::FocusOut) {
+            const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+            // A menu, a box or another program in front is no leaving of the cell.
+            if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason &&
+                reason != Qt::MenuBarFocusReason)
+                // Not in the midst of a change of focus: a refusal shows a box and takes the focus back.
+                QMetaObject::invokeMethod(
+                    this,
+                    [this] {
+                        if (state_ == EditState::Open && !TxtEnter->hasFocus())
+                            endEdit();
+                    },
+                    Qt::QueuedConnection);
+        }
+    } else if (watched == horizontalHeader()->viewport()) {
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
+            dragging_ = true;
+        } else if (event->type() == QEvent::MouseButtonRelease) {
+            dragging_ = false;
+            if (std::exchange(widthsChanged_, false))
+                saveWidths();
+        }
+    }
+    return QTableView::eventFilter(watched, event);
+}
+
+void Grid::keyPressEvent(QKeyEvent* event)
+{
+    const int row = Row();
+    const int column = Col();
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool printable = plain && !event->text().isEmpty() && event->text().at(0).isPrint();
+    if (plain && row > 0 && (enter || printable || event->key() == Qt::Key_F2) && opens(row, column)) {
+        openEditor(row, column);
+        if (printable)
+            QCoreApplication::sendEvent(TxtEnter, event); // the text is selected: it replaces it
+        return;
+    }
+    if (enter && plain && row > 0) {
+        runCommand([&] { emit activatedRow(row); });
+        return;
+    }
+    QTableView::keyPressEvent(event);
+    const bool extends = event->modifiers() & Qt::ShiftModifier;
+    if (state_ == EditState::Idle && plain && !extends && Row() > 0 && (Row() != row || Col() != column))
+        reach(Row(), Col());
+}
+
+void Grid::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (state_ != EditState::Idle || !opens(Row(), Col())) {
+        QTableView::inputMethodEvent(event);
+        return;
+    }
+    openEditor(Row(), Col());
+    QCoreApplication::sendEvent(TxtEnter, event);
+}
+
+void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTableView::currentChanged(current, previous);
+    setAttribute(Qt::WA_InputMethodEnabled, current.isValid() &&
+                                                columns_[current.column()].kind != ColumnKind::Number &&
+                                                opens(current.row() + 1, current.column()));
+    if (current.isValid() && current.row() != previous.row())
+        runCommand([&] { emit currentRowChanged(current.row() + 1); });
+}
+
+void Grid::mousePressEvent(QMouseEvent* event)
+{
+    if (!endEdit()) {
+        event->accept();
+        return;
+    }
+    QTableView::mousePressEvent(event);
+    const QModelIndex pressed = indexAt(event->position().toPoint());
+    if (pressed.isValid() && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier &&
+        pressed == currentIndex())
+        reach(pressed.row() + 1, pressed.column());
+}
+
+void Grid::mouseMoveEvent(QMouseEvent* event)
+{
+    if (state_ == EditState::Idle) // else the press that opened the editor would go on selecting rows
+        QTableView::mouseMoveEvent(event);
+}
+
+void Grid::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (!endEdit()) {
+        event->accept();
+        return;
+    }
+    QTableView::mouseDoubleClickEvent(event);
+    const QModelIndex hit = indexAt(event->position().toPoint());
+    if (hit.isValid() && event->button() == Qt::LeftButton)
+        runCommand([&] { emit activatedRow(hit.row() + 1); });
+}
+
+void Grid::resizeEvent(QResizeEvent* event)
+{
+    QTableView::resizeEvent(event);
+    fitStretch();
+    placeEditor();
+}
+
+void Grid::scrollContentsBy(int dx, int dy)
+{
+    QTableView::scrollContentsBy(dx, dy);
+    placeEditor();
+}
+
+// ---- copying and widths
+
+QString Grid::selectionAsText() const
+{
+    std::set<int> rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection())
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.insert(row);
+    QString result;
+    for (const int row : rows) {
+        bool first = true;
+        for (int column = 0; column < Cols(); ++column) {
+            if (isColumnHidden(column))
+                continue;
+            if (!std::exchange(first, false))
+                result += u'\t';
+            // A tab or a line break inside a cell would look like the next cell or row.
+            QString cell = model_->text(row, column);
+            for (QChar& c : cell)
+                if (c == u'\t' || c == u'\n' || c == u'\r')
+                    c = u' ';
+            result += cell;
+        }
+        result += u'\n';
+    }
+    return result;
+}
+
+void Grid::copySelection()
+{
+    const QString text = selectionAsText();
+    if (!text.isEmpty())
+        QApplication::clipboard()->setText(text);
+}
+
+void Grid::rememberWidths(const QString& key)
+{
+    widthsKey_ = key;
+    if (key.isEmpty())
+        return;
+    const QStringList widths = GetSetting(widthsApplication, widthsSection, key).split(u',', Qt::SkipEmptyParts);
+    if (widths.size() != columns_.size())
+        return; // none yet, or those of another set of columns
+    for (int column = 0; column < columns_.size(); ++column) {
+        const int width = int(Val(widths[column]));
+        if (width >= smallestColumn) {
+            columns_[column].width = width;
+            setColumnWidth(column, width);
+        }
+    }
+    fitStretch();
+}
+
+void Grid::saveWidths() const
+{
+    if (widthsKey_.isEmpty())
+        return;
+    QStringList widths;
+    for (const GridColumn& column : columns_)
+        widths += plainText(column.width);
+    SaveSetting(widthsApplication, widthsSection, widthsKey_, widths.join(u','));
+}
+
+void Grid::fitStretch()
+{
+    if (fitting_)
+        return;
+    int stretching = -1;
+    int others = 0;
+    for (int column = 0; column < columns_.size(); ++column) {
+        if (isColumnHidden(column))
+            continue;
+        if (columns_[column].stretch)
+            stretching = column;
+        else
+            others += columnWidth(column);
+    }
+    if (stretching < 0)
+        return;
+    fitting_ = true;
+    setColumnWidth(stretching, std::max(columns_[stretching].width, viewport()->width() - others));
+    fitting_ = false;
+}

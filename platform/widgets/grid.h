@@ -1,0 +1,136 @@
+#pragma once
+
+#include "platform/base/text.h"
+
+#include <QLineEdit>
+#include <QStringList>
+#include <QTableView>
+
+#include <functional>
+
+class GridModel;
+
+/// What a grid shows in a column; the cells are texts in any case, and a cell's text is data.
+enum class ColumnKind { Text, Number, Centred };
+
+struct GridColumn
+{
+    QString caption;
+    int width = 100; ///< pixels; the operator's own width is remembered over it
+    ColumnKind kind = ColumnKind::Text;
+    bool hidden = false;
+    bool stretch = false; ///< takes what width the others leave, but no less than its own; one column at most
+};
+
+/// A grid of text cells. Row 0 holds the captions and shows as the header; data rows count from 1, columns from 0.
+class Grid : public QTableView
+{
+    Q_OBJECT
+
+public:
+    /// `name` becomes the objectName ("GD").
+    explicit Grid(const QString& name, QWidget* parent = nullptr);
+
+    /// Sets the columns and leaves no data row.
+    void setColumns(const QList<GridColumn>& columns);
+    /// Leaves one empty data row, as the forms show an empty list.
+    void clearRows();
+    /// Replaces all data rows at once; the fast way to fill. An empty list leaves no data row. An edit that is open is
+    /// dropped, as with every change that takes the edited row away.
+    void setRows(QList<QStringList> rows);
+
+    int Rows() const; ///< captions included
+    int Cols() const;
+    void setRowCount(int rows);                    ///< captions included
+    QString TextMatrix(int row, int column) const; ///< "" outside the grid
+    void SetTextMatrix(int row, int column, const QString& text);
+    /// A row from tab-separated cells, at the end.
+    void AddItem(const QString& tabbed);
+    void RemoveItem(int row);
+
+    /// The current cell; row 0 when there is none.
+    int Row() const;
+    int Col() const;
+    /// Makes a cell current and scrolls to it. No editor opens by it.
+    void select(int row, int column = 0);
+
+    bool columnVisible(int column) const;
+    void setColumnVisible(int column, bool visible);
+    /// Sets a row off from the others (totals) until the rows are replaced.
+    void setEmphasized(int row);
+
+    /// In-cell editing with the one line edit `TxtEnter` over the grid. A cell opens when it is clicked, reached by the
+    /// arrows, or typed into. Enter and Tab end the edit and go to `nextCell`, Up and Down to the neighbouring row, Esc
+    /// drops it. All functions run through `runCommand`; a failure in `endEditing` refuses.
+
+    /// Whether the cell opens when it is clicked or reached. Without it no cell does.
+    std::function<bool(int row, int column)> mayEdit;
+    /// Called once when an edit ends with another text than it began with. Writes the cells itself (without it the grid
+    /// writes the text); false refuses: the old text comes back and the cell keeps the cursor.
+    std::function<bool(int row, int column, const QString& before, const QString& after)> endEditing;
+    /// Where Enter leads from a cell, once its edit has ended: x column, y row of the cell to go to; outside the grid
+    /// for none. Without it the next cell of the row that opens, then the first such of the next row.
+    std::function<QPoint(int row, int column)> nextCell;
+    /// Opens the editor on a cell if `mayEdit` allows, else only makes it current.
+    void edit(int row, int column);
+    using QTableView::edit;
+    bool editing() const;
+    /// The only way out of an edit: true when none is open or it ended well; false when it was refused, or while its
+    /// ending is still under way. Commands call it first and stop on false.
+    bool endEdit();
+    /// Drops the text being typed; the cell keeps its old one.
+    void cancelEdit();
+    QLineEdit* TxtEnter = nullptr;
+
+    /// The selected rows as text, cells separated by tabs: what Ctrl+C puts on the clipboard.
+    QString selectionAsText() const;
+    void copySelection();
+    /// Under this name the column widths are remembered per user ("B1/GD"); empty: not at all. After `setColumns`.
+    void rememberWidths(const QString& key);
+
+signals:
+    void currentRowChanged(int row);       ///< by the operator or by `select`
+    void cellReached(int row, int column); ///< clicked or reached by the arrows, before an editor opens
+    void activatedRow(int row);            ///< double click, or Enter where no cell opens
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+private:
+    void reset() override { QTableView::reset(); } ///< the toolkit's; hidden, as it doesn't touch the rows
+
+    enum class EditState { Idle, Open, Ending };
+
+    bool opens(int row, int column) const;
+    void reach(int row, int column);
+    void openEditor(int row, int column);
+    void closeEditor();
+    void dropEdit();
+    void refuse();
+    void placeEditor();
+    bool editorKey(QKeyEvent* event);
+    void goOn();
+    void goBack();
+    void goVertically(int step);
+    QPoint following(int row, int column) const;
+    void fitStretch();
+    void saveWidths() const;
+
+    GridModel* model_ = nullptr;
+    QList<GridColumn> columns_;
+    EditState state_ = EditState::Idle;
+    QPoint cell_;    ///< of the open edit: x column, y row
+    QString before_; ///< the text that the edit began with
+    QString widthsKey_;
+    bool fitting_ = false;
+    bool dragging_ = false; ///< the operator holds a column's edge
+    bool widthsChanged_ = false;
+};

@@ -1,0 +1,62 @@
+#include "platform/widgets/status_panels.h"
+
+#include "platform/widgets/controls.h"
+
+#include <QHBoxLayout>
+#include <QPointer>
+
+StatusPanels::StatusPanels(int count, QWidget* parent)
+    : QWidget(parent)
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    for (int panel = 1; panel <= count; ++panel) {
+        QLabel* label = makeLabel(u"StB"_s, {}, panel);
+        onClick(label, [this, panel] { emit clicked(panel); });
+        layout->addWidget(label, panel == count ? 1 : 0);
+        labels_.append(label);
+        if (panel < count) {
+            auto* line = new QFrame;
+            line->setProperty("look", u"line"_s);
+            layout->addWidget(line);
+        }
+    }
+}
+
+QLabel* StatusPanels::label(int panel) const
+{
+    return panel >= 1 && panel <= labels_.size() ? labels_[panel - 1] : nullptr;
+}
+
+void StatusPanels::setText(int panel, const QString& text)
+{
+    QLabel* target = label(panel);
+    if (!target || target->text() == text)
+        return;
+    target->setText(text);
+    if (isVisible())
+        target->repaint();
+}
+
+QString StatusPanels::text(int panel) const
+{
+    const QLabel* source = label(panel);
+    return source ? source->text() : QString();
+}
+
+void StatusPanels::setToolTip(int panel, const QString& text)
+{
+    if (QLabel* target = label(panel))
+        target->setToolTip(text);
+}
+
+StatusHost StatusPanels::host()
+{
+    const QPointer<StatusPanels> self = this;
+    return {[self](int panel, const QString& text) {
+                if (self)
+                    self->setText(panel, text);
+            },
+            [self](int panel) { return self ? self->text(panel) : QString(); }};
+}

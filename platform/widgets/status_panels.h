@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/base/status.h"
+
+#include <QList>
+#include <QWidget>
+
+class QLabel;
+
+/// The panels of the main window's status bar: labels named "StB(1)" to "StB(4)", the last one taking the width that is
+/// left. Stands in a QStatusBar by `addWidget(panels, 1)`.
+class StatusPanels : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit StatusPanels(int count = 4, QWidget* parent = nullptr);
+
+    /// Panels count from 1; others are ignored, reading one gives "". A text is repainted at once, since long work
+    /// writes its progress here without a turn of the event loop.
+    void setText(int panel, const QString& text);
+    QString text(int panel) const;
+    void setToolTip(int panel, const QString& text);
+
+    /// The host that lets procedures without a window write here; it outlives the panels and is silent then.
+    StatusHost host();
+
+signals:
+    void clicked(int panel);
+
+private:
+    QLabel* label(int panel) const;
+
+    QList<QLabel*> labels_;
+};

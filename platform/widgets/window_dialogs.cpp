@@ -1,0 +1,207 @@
+#include "platform/widgets/window_dialogs.h"
+
+#include "platform/base/files.h"
+#include "platform/widgets/form.h"
+#include "platform/widgets/style.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int iconSize = 32;
+constexpr int textWidth = 420; ///< longer lines wrap
+constexpr int buttonWidth = 84;
+constexpr QSize fileDialogSize(760, 480);
+
+QPixmap boxPicture(BoxIcon icon)
+{
+    const bool warns = icon == BoxIcon::Exclamation;
+    QPixmap pixmap(QSize(iconSize, iconSize) * 2);
+    pixmap.setDevicePixelRatio(2);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(style::color(warns ? style::Role::Warning : style::Role::Accent));
+    painter.drawEllipse(QRectF(1, 1, iconSize - 2, iconSize - 2));
+    QFont font = QApplication::font();
+    font.setBold(true);
+    font.setPixelSize(20);
+    painter.setFont(font);
+    painter.setPen(style::color(style::Role::Field));
+    const QString sign = warns ? u"!"_s : icon == BoxIcon::Question ? u"?"_s : u"i"_s;
+    painter.drawText(QRectF(0, 0, iconSize, iconSize), Qt::AlignCenter, sign);
+    return pixmap;
+}
+
+QWidget* dialogOwner()
+{
+    return QApplication::activeWindow();
+}
+
+/// The frame that boxes share: content above, buttons at the right below.
+class BoxWindow : public QDialog
+{
+public:
+    BoxWindow(const QString& title, const QString& text, BoxIcon icon)
+        : QDialog(dialogOwner(),
+                  Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint)
+    {
+        setWindowTitle(title);
+        setAttribute(Qt::WA_QuitOnClose, false);
+        auto* outer = new QVBoxLayout(this);
+        outer->setContentsMargins(18, 16, 18, 14);
+        outer->setSpacing(2 * style::spacing);
+        auto* row = new QHBoxLayout;
+        row->setSpacing(2 * style::spacing);
+        if (icon != BoxIcon::None) {
+            auto* picture = new QLabel;
+            picture->setPixmap(boxPicture(icon));
+            row->addWidget(picture, 0, Qt::AlignTop);
+        }
+        body_ = new QVBoxLayout;
+        body_->setSpacing(style::spacing);
+        auto* words = new QLabel(text);
+        words->setTextFormat(Qt::PlainText);
+        words->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        words->setFocusPolicy(Qt::NoFocus);
+        const int natural = words->sizeHint().width();
+        words->setWordWrap(natural > textWidth);
+        words->setMinimumWidth(std::min(std::max(natural, 180), textWidth));
+        body_->addWidget(words);
+        row->addLayout(body_, 1);
+        outer->addLayout(row, 1);
+        buttons_ = new QHBoxLayout;
+        buttons_->setSpacing(style::spacing);
+        buttons_->addStretch(1);
+        outer->addLayout(buttons_);
+        outer->setSizeConstraint(QLayout::SetFixedSize);
+    }
+
+    void addButton(const QString& caption, int result, bool isDefault)
+    {
+        auto* button = new QPushButton(caption);
+        button->setMinimumWidth(buttonWidth);
+        button->setAutoDefault(true);
+        connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
+        buttons_->addWidget(button);
+        if (isDefault) {
+            button->setDefault(true);
+            button->setFocus();
+        }
+    }
+
+    QVBoxLayout* body() { return body_; }
+
+private:
+    QVBoxLayout* body_;
+    QHBoxLayout* buttons_;
+};
+
+class WindowDialogs : public DialogHost
+{
+public:
+    Answer show(const Box& box) override
+    {
+        BoxWindow window(box.title, box.text, box.icon);
+        if (box.buttons == BoxButtons::Ok) {
+            window.addButton(u"确定"_s, QDialog::Accepted, true);
+            execModal(window);
+            return Answer::Ok;
+        }
+        window.addButton(u"是(&Y)"_s, QDialog::Accepted, true);
+        window.addButton(u"否(&N)"_s, QDialog::Rejected, false);
+        return execModal(window) == QDialog::Accepted ? Answer::Yes : Answer::No;
+    }
+
+    std::optional<QString> input(const InputRequest& request) override
+    {
+        BoxWindow window(request.title, request.prompt, BoxIcon::None);
+        auto* edit = new QLineEdit(request.preset);
+        edit->setMinimumWidth(textWidth - 100);
+        edit->setAccessibleName(request.prompt);
+        window.body()->addWidget(edit);
+        window.addButton(u"确定"_s, QDialog::Accepted, true);
+        window.addButton(u"取消"_s, QDialog::Rejected, false);
+        edit->selectAll();
+        edit->setFocus();
+        if (execModal(window) != QDialog::Accepted)
+            return std::nullopt;
+        return edit->text();
+    }
+
+    std::optional<QString> chooseFile(const FileRequest& request) override
+    {
+        const bool saving = request.purpose == FileRequest::Purpose::Save;
+        QFileDialog dialog(dialogOwner(), request.title);
+        dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+        dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+        dialog.setOption(QFileDialog::DontConfirmOverwrite); // the commands ask by their own rules
+#ifndef Q_OS_WIN
+        dialog.setOption(QFileDialog::DontUseNativeDialog);
+#endif
+        dialog.setLabelText(QFileDialog::Accept, saving ? u"保存(&S)"_s : u"打开(&O)"_s);
+        dialog.setLabelText(QFileDialog::Reject, u"取消"_s);
+        dialog.setLabelText(QFileDialog::FileName, u"文件名(&N)："_s);
+        dialog.setLabelText(QFileDialog::FileType, u"文件类型："_s);
+        dialog.setLabelText(QFileDialog::LookIn, u"查找范围："_s);
+        dialog.resize(fileDialogSize);
+        dialog.setNameFilters(fileDialogFilters(request.filter));
+
+        const QString folder = folderOf(request.fileName);
+        const QString name = fileNameOf(request.fileName);
+        if (!folder.isEmpty())
+            dialog.setDirectory(resolvedPath(folder));
+        if (!name.contains(u'*') && !name.contains(u'?') && !name.isEmpty())
+            dialog.selectFile(name);
+
+        if (execModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+            return std::nullopt;
+        const QString chosen = dialog.selectedFiles().constFirst();
+        return saving ? withFilterExtension(chosen, dialog.selectedNameFilter()) : chosen;
+    }
+
+    void doEvents() override
+    {
+        QCoreApplication::processEvents();
+    }
+};
+
+} // namespace
+
+QStringList fileDialogFilters(const QString& filter)
+{
+    // The words often name the pattern already; the dialog shows it behind them in any case.
+    static const QRegularExpression patternBehind(u"\\s*[(（][^()（）]*[)）]\\s*$"_s);
+    const QStringList parts = filter.split(u'|');
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QStringList patterns;
+        for (const QString& pattern : parts[i + 1].split(u';', Qt::SkipEmptyParts))
+            patterns += pattern.trimmed() == u"*.*" ? u"*"_s : pattern.trimmed();
+        const QString words = QString(parts[i]).remove(patternBehind);
+        filters += u"%1 (%2)"_s.arg(words, patterns.join(u' '));
+    }
+    return filters;
+}
+
+QString withFilterExtension(const QString& path, const QString& chosenFilter)
+{
+    static const QRegularExpression firstExtension(u"\\(\\*(\\.[^*?\\s)]+)"_s);
+    const auto match = firstExtension.match(chosenFilter);
+    return match.hasMatch() && QFileInfo(path).suffix().isEmpty() ? path + match.captured(1) : path;
+}
+
+std::unique_ptr<DialogHost> windowDialogs()
+{
+    return std::make_unique<WindowDialogs>();
+}
