@@ -1,0 +1,744 @@
+#include "documents/document_form.h"
+
+#include "documents/line_entry.h"
+#include "ledger/Module1.h"
+#include "ledger/literal.h"
+#include "platform/base/clock.h"
+#include "platform/base/date.h"
+#include "platform/base/dialogs.h"
+#include "platform/base/status.h"
+#include "platform/widgets/controls.h"
+#include "platform/widgets/grid.h"
+#include "platform/widgets/style.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QStackedWidget>
+#include <QTabBar>
+
+namespace {
+
+enum ListColumn { Number, Date, Partner, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
+enum Tab { ListTab, DetailTab };
+enum Mode { Viewing, Adding, Editing };
+
+constexpr int statusPanelOfForms = 4;
+constexpr int longestNumber = 25;
+
+enum class Shown { Always, Viewing, Entering, Never };
+
+struct CommandRow
+{
+    const char* name;
+    QStringView caption;
+    Shown shown;
+    void (DocumentForm::*run)(); ///< none: it comes with a later version, or has no command
+    bool writes;                 ///< asks for the right of the form's menu
+};
+
+// clang-format off
+constexpr CommandRow commandRows[] = {
+    {"Menu_Add",    u"&A.增加",     Shown::Viewing,  &DocumentForm::Menu_Add,    true},
+    {"Menu_edit",   u"&E.修改",     Shown::Viewing,  &DocumentForm::Menu_edit,   true},
+    {"Menu_del",    u"&D.删除",     Shown::Viewing,  &DocumentForm::Menu_del,    true},
+    {"Menu_Ok",     u"&C.审核",     Shown::Viewing,  &DocumentForm::Menu_Ok,     true},
+    {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
+    {"Menu_query",  u"&Q.查找",     Shown::Viewing,  nullptr,                    false},
+    {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr,                    false},
+    {"Menu_print",  u"&P.打印",     Shown::Viewing,  nullptr,                    false},
+    {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
+    {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel, false},
+    {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return, false},
+};
+// clang-format on
+
+QString quotedList(const QStringList& values)
+{
+    QStringList quoted;
+    for (const QString& value : values)
+        quoted += sqlText(value);
+    return quoted.join(u',');
+}
+
+/// A cell of a tab-separated row: a tab that was pasted into a text must not become a column.
+QString withoutTabs(QString text)
+{
+    return text.replace(u'\t', u' ');
+}
+
+} // namespace
+
+DocumentForm& documentForm(DocumentKind kind)
+{
+    const DocumentTraits& traits = traitsOf(kind);
+    if (Form* form = Form::loaded(traits.form.toString()))
+        return *static_cast<DocumentForm*>(form);
+    return *new DocumentForm(traits);
+}
+
+DocumentForm::DocumentForm(const DocumentTraits& kind)
+    : Form(kind.form.toString(), kind.title.toString()), kind_(kind)
+{
+    buildCommands();
+    TabS = new QTabBar;
+    TabS->setObjectName(u"TabS"_s);
+    TabS->addTab(kind_.listName() + u"列表"_s);
+    TabS->addTab(kind_.listName() + u"明细"_s);
+    TabS->setFocusPolicy(Qt::StrongFocus);
+    TabS->setExpanding(false);
+    badge_ = makeBadge(u"LabState"_s);
+    TabS->setDrawBase(false);
+    auto* head = makeRow({TabS, nullptr, badge_});
+
+    pages_ = new QStackedWidget;
+    buildList();
+    buildDetail();
+    body_ = new QWidget;
+    auto* body = new QVBoxLayout(body_);
+    body->setContentsMargins(0, 0, 0, 0);
+    body->setSpacing(0);
+    body->addLayout(head);
+    body->addWidget(pages_, 1);
+    barred_ = makeLabel(u"LabBarred"_s, QString());
+    barred_->setAlignment(Qt::AlignCenter);
+    content()->addWidget(body_, 1);
+    content()->addWidget(barred_, 1);
+
+    connect(TabS, &QTabBar::currentChanged, this, [this](int tab) { runCommand([&] { tabChanged(tab); }); });
+    fillPartners();
+    listDrafts();
+    updateState();
+}
+
+void DocumentForm::buildCommands()
+{
+    for (const CommandRow& row : commandRows) {
+        QAction* action = addCommand(QString::fromLatin1(row.name), row.caption.toString(), [this, &row] {
+            if (row.run && (!row.writes || requireRight(kind_.right)))
+                (this->*row.run)();
+        });
+        if (!row.run) {
+            action->setEnabled(false);
+            if (row.shown != Shown::Never)
+                action->setToolTip(u"尚未提供"_s);
+        }
+    }
+    if (kind_.templates == Templates::Hidden) {
+        QMenu* board = addCommandMenu(u"Menu_Board"_s, u"&B.模板"_s);
+        for (const auto& [name, caption] : {std::pair(u"Menu_B1"_s, u"&1.设为模板"_s), {u"Menu_B2"_s, u"&2.模板列表"_s},
+                                            {u"Menu_B3"_s, u"&3.按模板开单"_s}})
+            addCommand(board, name, caption, {})->setEnabled(false);
+        setCommandVisible(board->menuAction(), false);
+    }
+}
+
+void DocumentForm::buildList()
+{
+    GD = new Grid(u"GD"_s);
+    GD->setColumns({{kind_.word + u"单号"_s, 130},
+                    {kind_.word + u"日期"_s, 92},
+                    {kind_.partner.toString(), 220},
+                    {u"录入员"_s, 84},
+                    {u"审核人"_s, 96},
+                    {u"金额"_s, 110, ColumnKind::Number},
+                    {u"附注"_s, 240, ColumnKind::Text, false, true},
+                    {kind_.lastColumn.toString(), 110}});
+    GD->rememberWidths(kind_.form + u"/GD"_s);
+    GD->clearRows();
+    auto* page = makePanel(u"PageList"_s);
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(GD);
+    pages_->addWidget(page);
+
+    connect(GD, &Grid::currentRowChanged, this, [this](int row) {
+        listRow_ = qMax(row, 1);
+        updateStatus();
+        updateBadge();
+    });
+    connect(GD, &Grid::activatedRow, this, [this](int) { TabS->setCurrentIndex(DetailTab); });
+}
+
+void DocumentForm::buildDetail()
+{
+    const QString captions[] = {kind_.word + u"单号"_s, kind_.word + u"日期"_s, kind_.partner.toString(), u"录入员"_s,
+                                u"审核人"_s,            u"金额合计"_s,          u"附注"_s};
+    for (int i = 0; i <= Remark; ++i) {
+        Txt[i] = makeEdit(u"Txt"_s, i, i == Total ? EditKind::Number : EditKind::Text);
+        Lab[i] = makeLabel(u"Lab"_s, captions[i], i);
+        enterMovesOn(Txt[i]);
+        onFocusIn(Txt[i], [this] {
+            if (Edstu == Viewing)
+                TabS->setFocus();
+        });
+    }
+    Txt[Number]->setMaxLength(longestNumber);
+    CmbLB = makeCombo(u"CmbLB"_s);
+    enterMovesOn(CmbLB);
+    DTP1 = new DatePicker(u"DTP1"_s);
+
+    auto* fields = new FieldLayout(4);
+    fields->add(Lab[Number], Txt[Number]);
+    fields->add(Lab[Date], {Txt[Date], DTP1});
+    fields->add(Lab[Partner], CmbLB, 2);
+    fields->add(Lab[Clerk], Txt[Clerk]);
+    fields->add(Lab[Auditor], Txt[Auditor]);
+    fields->add(Lab[Remark], Txt[Remark], 2);
+
+    lines = new LineEntry(kind_);
+    count_ = makeLabel(u"LabCount"_s, QString());
+    for (QLabel* label : {count_, Lab[Total]})
+        setLook(label, LabelLook::Field);
+    Txt[Total]->setProperty("look", u"total"_s);
+    Txt[Total]->setFixedWidth(200);
+
+    auto* page = makePanel(u"PageDetail"_s);
+    auto* layout = new QVBoxLayout(page);
+    layout->addLayout(fields);
+    layout->addWidget(lines, 1);
+    layout->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
+    pages_->addWidget(page);
+    Txt[Partner]->setParent(page);
+    Txt[Partner]->hide(); // the partner's name; on screen it stands in the list entry
+
+    onFocusIn(Txt[Date], [this] {
+        if (Edstu != Viewing) {
+            DTP1->setText(Txt[Date]->text());
+            DTP1->dropDownFor(Txt[Date]);
+        }
+    });
+    connect(DTP1, &DatePicker::picked, this, [this] {
+        if (Edstu != Viewing)
+            Txt[Date]->setText(DTP1->text());
+    });
+    connect(lines, &LineEntry::changed, this, [this] {
+        Txt[Total]->setText(lines->totalText());
+        updateStatus();
+    });
+    connect(lines, &LineEntry::rowReached, this, &DocumentForm::updateStatus);
+}
+
+void DocumentForm::fillPartners()
+{
+    CmbLB->clear();
+    Recordset partners = gDB.OpenRecordset(u"select * from "_s + kind_.partners + u" order by F1"_s);
+    for (; !partners.isEOF(); partners.MoveNext())
+        CmbLB->addItem(entryOf(partners.Fields(u"F1").text(), partners.Fields(u"F2").text()));
+}
+
+// The list ------------------------------------------------------------------------------------------------------------
+
+void DocumentForm::listDrafts()
+{
+    allDocuments_ = false;
+    condition_.clear();
+    loadList();
+}
+
+void DocumentForm::listAll(const QString& condition)
+{
+    allDocuments_ = true;
+    condition_ = condition;
+    TabS->setCurrentIndex(ListTab);
+    loadList();
+}
+
+void DocumentForm::loadList()
+{
+    const QString columns = u"select %1.F1,%1.F2,%2.F2 AS LB,%1.F5,%1.F6,%1.F9,%1.F10,%1.F3 from "_s;
+    // The inner join leaves out a document whose partner is gone; a search shows it.
+    const QString drafts = columns + u"%1,%2 WHERE %1.F3=%2.F1 and (%1.F6 is Null or %1.F6='')  order by %1.H8 desc "_s;
+    const QString all = columns + u"%1 left join %2 on %1.F3=%2.F1  "_s;
+    const QString partners = kind_.partners.toString();
+    const QString sql = allDocuments_ ? all.arg(kind_.header, partners) + condition_ + u" order by "_s + kind_.header +
+                                            u".H8 desc "_s
+                                      : drafts.arg(kind_.header, partners);
+    Recordset documents = gDB.OpenRecordset(sql);
+    QList<QStringList> rows;
+    rows.reserve(documents.RecordCount());
+    for (; !documents.isEOF(); documents.MoveNext()) {
+        QStringList row;
+        row.reserve(ListColumns);
+        for (int column = 0; column < ListColumns; ++column) {
+            const Value& field = documents.Fields(column);
+            const bool money = column == Total && gWithMoney != 0 && !field.isNull();
+            row += money ? Format(field.number(), u"#0.00") : field.text();
+        }
+        rows += row;
+    }
+    if (rows.isEmpty())
+        GD->clearRows();
+    else
+        GD->setRows(std::move(rows));
+    selectListRow(listRow_);
+}
+
+/// The current row, kept within the list.
+void DocumentForm::selectListRow(int row)
+{
+    listRow_ = qBound(1, row, qMax(GD->Rows() - 1, 1));
+    GD->select(listRow_);
+    updateStatus();
+    updateBadge();
+}
+
+void DocumentForm::removeListRow(int row)
+{
+    if (GD->Rows() >= 3)
+        GD->RemoveItem(row);
+    else
+        GD->clearRows();
+}
+
+void DocumentForm::addListRow(const QString& partnerCode)
+{
+    const QString total =
+        gWithMoney != 0 ? Format(Val(Txt[Total]->text()), u"#0.00") : Txt[Total]->text();
+    const bool first = listEmpty();
+    QStringList cells{Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(), Txt[Clerk]->text(), QString(),
+                      total,               Txt[Remark]->text(), partnerCode};
+    for (QString& cell : cells)
+        cell = withoutTabs(cell);
+    GD->AddItem(cells.join(u'\t'));
+    if (first)
+        GD->RemoveItem(1);
+    selectListRow(GD->Rows() - 1);
+}
+
+QString DocumentForm::listCell(int column) const
+{
+    return GD->TextMatrix(listRow_, column);
+}
+
+bool DocumentForm::listEmpty() const
+{
+    return Trim(GD->TextMatrix(1, Number)).isEmpty();
+}
+
+bool DocumentForm::onDetail() const
+{
+    return TabS->currentIndex() == DetailTab;
+}
+
+// The detail ----------------------------------------------------------------------------------------------------------
+
+void DocumentForm::tabChanged(int tab)
+{
+    pages_->setCurrentIndex(tab);
+    if (Edstu != Viewing)
+        return;
+    if (tab == DetailTab)
+        loadDetail();
+    else
+        selectListRow(listRow_);
+    updateStatus();
+}
+
+void DocumentForm::loadDetail()
+{
+    if (listEmpty())
+        return clearDetail();
+    for (int i = 0; i <= Remark; ++i)
+        if (i != Total) // made from the lines
+            Txt[i]->setText(listCell(i));
+    CmbLB->setEditText(entryOf(listCell(PartnerCode), listCell(Partner)));
+    lines->load(listCell(Number));
+    updateBadge();
+}
+
+void DocumentForm::clearDetail()
+{
+    for (QLineEdit* edit : Txt)
+        edit->clear();
+    CmbLB->setCurrentIndex(-1);
+    CmbLB->clearEditText();
+    lines->clear();
+    updateBadge();
+}
+
+// Modes ---------------------------------------------------------------------------------------------------------------
+
+void DocumentForm::enter(int mode)
+{
+    Edstu = mode;
+    TabS->setCurrentIndex(DetailTab);
+    lines->setEntering(true, ReservedNo);
+    updateState();
+}
+
+void DocumentForm::leaveEntering()
+{
+    Edstu = Viewing;
+    lines->setEntering(false);
+    updateState();
+    loadDetail();
+    updateStatus();
+    TabS->setFocus(); // from here the letters of the command bar begin the next document
+}
+
+void DocumentForm::updateState()
+{
+    const bool entering = Edstu != Viewing;
+    const bool allowed = hasRight(kind_.right);
+    for (const CommandRow& row : commandRows) {
+        QAction* action = command(QString::fromLatin1(row.name));
+        bool shown = row.shown == Shown::Always || (row.shown == Shown::Entering) == entering;
+        if (row.shown == Shown::Never || (row.run == &DocumentForm::Menu_noOK && !isTopAdministrator()))
+            shown = false;
+        setCommandVisible(action, shown);
+        if (row.run)
+            action->setEnabled(allowed || !row.writes);
+    }
+    TabS->setEnabled(!entering);
+    for (const int i : {Number, Date, Remark})
+        setLocked(Txt[i], !entering);
+    for (const int i : {Partner, Clerk, Auditor, Total})
+        setLocked(Txt[i], true);
+    CmbLB->setEnabled(entering);
+    DTP1->setEnabled(entering);
+    // An operator who may not see these documents sees none of them, also in a form that another one opened.
+    body_->setVisible(allowed);
+    barred_->setVisible(!allowed);
+    barred_->setText(u"当前操作员没有“%1”权限，不能查看%2。"_s.arg(rightName(kind_.right), kind_.title));
+    const bool prices = gWithMoney != 0;
+    GD->SetTextMatrix(0, Total, prices ? u"金额"_s : u"数量"_s);
+    Lab[Total]->setText(prices ? u"金额合计"_s : u"数量合计"_s);
+    lines->followSettings();
+    updateBadge();
+}
+
+void DocumentForm::updateStatus()
+{
+    const QString name = kind_.listName();
+    QString text;
+    if (onDetail()) {
+        const int count = lines->count();
+        count_->setText(u"货品 %1 种"_s.arg(count));
+        text = count == 0 ? name + u"明细：无货品信息"_s
+                          : u"%1明细：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(count).arg(
+                                qMax(lines->currentRow(), 1));
+    } else {
+        text = listEmpty() ? u"无单据信息"_s
+                           : u"%1列表：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(GD->Rows() - 1).arg(listRow_);
+    }
+    setStatusPanel(statusPanelOfForms, text);
+}
+
+void DocumentForm::updateBadge()
+{
+    if (Edstu != Viewing)
+        setBadge(badge_, u"录入中"_s, BadgeLook::Warning);
+    else if (listEmpty())
+        setBadge(badge_, QString(), BadgeLook::Warning);
+    else if (Trim(listCell(Auditor)).isEmpty())
+        setBadge(badge_, u"未审核"_s, BadgeLook::Warning);
+    else
+        setBadge(badge_, u"已审核"_s, BadgeLook::Good);
+}
+
+void DocumentForm::sessionChanged()
+{
+    updateState();
+}
+
+bool DocumentForm::queryUnload()
+{
+    if (Edstu == Viewing)
+        return true;
+    EditingNotice();
+    return false;
+}
+
+void DocumentForm::unloaded()
+{
+    LedgerStatus();
+}
+
+QWidget* DocumentForm::firstFocus()
+{
+    return onDetail() ? static_cast<QWidget*>(TabS) : GD;
+}
+
+void DocumentForm::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F5 && Edstu == Viewing) {
+        runCommand([this] {
+            loadList();
+            if (onDetail())
+                loadDetail();
+        });
+    } else if (event->key() == Qt::Key_F2 && Edstu != Viewing) {
+        lines->TxtHPBM->setFocus();
+        lines->TxtHPBM->selectAll();
+    } else {
+        Form::keyPressEvent(event);
+    }
+}
+
+// Commands ------------------------------------------------------------------------------------------------------------
+
+void DocumentForm::Menu_Add()
+{
+    ReservedNo = NextDocNumber(kind_.prefix.toString(), kind_.headerTable());
+    DanNoReserve(ReservedNo, 0);
+    fillPartners();
+    clearDetail();
+    if (CmbLB->count() > 0)
+        CmbLB->setCurrentIndex(0);
+    Txt[Number]->setText(ReservedNo);
+    Txt[Clerk]->setText(gOperName);
+    Txt[Date]->setText(todayText());
+    enter(Adding);
+    lines->openNextRow();
+}
+
+void DocumentForm::Menu_edit()
+{
+    if (!listCell(Auditor).isEmpty())
+        return MsgBox(u"此单据已经审核，不可修改！"_s);
+    if (listCell(Number).isEmpty())
+        return MsgBox(u"没有数据可修改！"_s);
+    fillPartners();
+    loadDetail();
+    ReservedNo = listCell(Number);
+    enter(Editing);
+    lines->openNextRow();
+}
+
+void DocumentForm::Menu_del()
+{
+    if (listEmpty())
+        return MsgBox(u"无单据可删除！"_s);
+    if (!listCell(Auditor).isEmpty())
+        return MsgBox(u"该单据已审核，不能删除！"_s);
+    const QString number = listCell(Number);
+    if (!askYesNo(u"真的要删除编码为"_s + number + u"的单据吗？"_s))
+        return;
+    {
+        const WriteRun run(gDB);
+        gDB.Execute(u"delete from "_s + kind_.header + u" WHERE F1="_s + sqlText(number));
+        gDB.Execute(u"delete from "_s + kind_.lineTable() + u" WHERE F0="_s + sqlText(number));
+    }
+    removeListRow(listRow_);
+    selectListRow(listRow_);
+    TabS->setCurrentIndex(ListTab);
+}
+
+void DocumentForm::Menu_cancel()
+{
+    lines->cancelEdit();
+    if (Edstu == Adding)
+        DanNoRelease(ReservedNo);
+    leaveEntering();
+}
+
+void DocumentForm::Menu_Return()
+{
+    Unload();
+}
+
+// Saving --------------------------------------------------------------------------------------------------------------
+
+void DocumentForm::Menu_save()
+{
+    if (!lines->endEdit() || !headerComplete())
+        return;
+    QString partnerCode;
+    if (!findPartner(partnerCode))
+        return;
+    if (lines->isEmpty())
+        return MsgBox(u"不能保存空的单据！请录入"_s + kind_.word + u"货品！"_s);
+    QString number = Txt[Number]->text();
+    const bool typed = number != ReservedNo;
+    {
+        const WriteRun run(gDB); // from the test of the number on, so that nobody else takes it meanwhile
+        if (!numberFree(number, typed))
+            return;
+        write(number, partnerCode);
+        if (typed) {
+            DanNoRelease(ReservedNo);
+            DanNoReserve(number, 1);
+        }
+    }
+    if (Edstu == Editing)
+        removeListRow(listRow_);
+    addListRow(partnerCode);
+    leaveEntering();
+    SavedNotice();
+}
+
+bool DocumentForm::headerComplete()
+{
+    Txt[Number]->setText(Trim(Txt[Number]->text()).toUpper());
+    for (const int i : {Number, Date})
+        if (Trim(Txt[i]->text()).isEmpty()) {
+            refuse(Lab[i]->text() + u"不能为空！"_s, Txt[i]);
+            return false;
+        }
+    if (Trim(CmbLB->currentText()).isEmpty()) {
+        refuse(Lab[Partner]->text() + u"不能为空！"_s, CmbLB);
+        return false;
+    }
+    const auto date = parseDate(Txt[Date]->text());
+    if (!date) {
+        refuse(u"“"_s + Txt[Date]->text() + u"”不是有效的日期！"_s, Txt[Date]);
+        return false;
+    }
+    Txt[Date]->setText(dateText(*date));
+    return true;
+}
+
+bool DocumentForm::findPartner(QString& code)
+{
+    code = Trim(codeOf(CmbLB->currentText())).toUpper();
+    const QString name =
+        LookupValue(gDB, u"select F2 from "_s + kind_.partners + u" where F1="_s + sqlText(code));
+    if (name == u"NoFound" && kind_.unknownPartner == UnknownPartner::Added && gOutboundFlagA == 1 &&
+        !code.isEmpty()) {
+        gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' +
+                    sqlText(code) + u')');
+        CmbLB->addItem(entryOf(code, code)); // the next document finds the new consignee in the list
+        CmbLB->setEditText(code);
+        Txt[Partner]->setText(code);
+        return true;
+    }
+    if (name.isEmpty() || name == u"NoFound") {
+        refuse(Lab[Partner]->text() + u"编码输入错误！"_s, CmbLB);
+        return false;
+    }
+    Txt[Partner]->setText(name);
+    return true;
+}
+
+bool DocumentForm::numberFree(QString& number, bool typed)
+{
+    if (typed && !DanNoFree(number)) {
+        refuse(u"系统内已经有其它单据使用了 "_s + number + u" 这个单号!"_s, Txt[Number]);
+        return false;
+    }
+    const QString used =
+        LookupValue(gDB, u"select F1 from "_s + kind_.header + u" where F1="_s + sqlText(number));
+    if (used == u"NoFound" || (Edstu == Editing && sameText(used, listCell(Number))))
+        return true;
+    // The bracket of the first text faces the wrong way; operators know it so.
+    refuse(u"已经存在["_s + number + (Edstu == Adding ? u"["_s : u"]"_s) + u"这个编码，请重新设置编码!"_s, Txt[Number]);
+    return false;
+}
+
+/// A draft is written whole: the old rows go, lines first, then header and lines are inserted afresh.
+void DocumentForm::write(const QString& number, const QString& partnerCode)
+{
+    const QString header = kind_.headerTable();
+    const QString lineTable = kind_.lineTable();
+    if (Edstu == Editing) {
+        const QString oldNumber = sqlText(listCell(Number));
+        gDB.Execute(u"delete from "_s + lineTable + u" where F0="_s + oldNumber);
+        gDB.Execute(u"delete from "_s + header + u" where F1="_s + oldNumber);
+    }
+    gDB.Execute(u"insert into "_s + header + u" (H8,F1,F2,F3,F5,F9,F10) VALUES ("_s +
+                quotedList({nowText(), number, Txt[Date]->text(), partnerCode, Txt[Clerk]->text()}) + u',' +
+                sqlNumber(Val(Txt[Total]->text())) + u',' + sqlText(Txt[Remark]->text()) + u')');
+    for (const DocumentLine& line : lines->lines())
+        gDB.Execute(u"insert into "_s + lineTable + u" (F0,F1,F6,F7,F8) VALUES ("_s + quotedList({number, line.code}) +
+                    u',' + sqlNumber(line.quantity) + u',' + sqlNumber(line.price) + u',' + sqlText(line.remark) +
+                    u')');
+}
+
+void DocumentForm::refuse(const QString& text, QWidget* where)
+{
+    MsgBox(text);
+    where->setFocus();
+    if (auto* edit = qobject_cast<QLineEdit*>(where))
+        edit->selectAll();
+}
+
+// Audit ---------------------------------------------------------------------------------------------------------------
+
+void DocumentForm::Menu_Ok()
+{
+    if (listEmpty())
+        return MsgBox(u"没有供审核的单据！"_s);
+    if (!Trim(listCell(Auditor)).isEmpty()) // as the list shows it; the ledger isn't asked again
+        return MsgBox(u"该单据已审核，不需要再次审核！"_s);
+    if (!auditable() || !move(AuditStep::Audit))
+        return;
+    listAfterAudit();
+}
+
+/// Lock date and question, in the order that each kind has.
+bool DocumentForm::auditable()
+{
+    const auto lockDate = [this] { return afterLockDate(u"单据日期不能在 "_s, u" 之前！"_s); };
+    const auto question = [] {
+        return askYesNo(u"审核操作将对库存货品进行更新，\n\n审核后单据将不可修改！\n\n真的要继续吗？"_s);
+    };
+    return kind_.firstCheck == FirstCheck::LockDate ? lockDate() && question() : question() && lockDate();
+}
+
+bool DocumentForm::afterLockDate(const QString& before, const QString& behind)
+{
+    LoadYearStart();
+    const auto days = DateDiff(gYearStart, listCell(Date));
+    if (!days)
+        MsgBox(u"“"_s + listCell(Date) + u"”不是有效的日期！"_s);
+    else if (*days < 0)
+        MsgBox(before + gYearStart + behind, QString());
+    return days && *days >= 0;
+}
+
+/// Goods records one by one, the header last: a document is audited only when all its lines are.
+bool DocumentForm::move(AuditStep step)
+{
+    const WriteRun run(gDB);
+    if (!onDetail())
+        loadDetail();
+    const QString number = Trim(Txt[Number]->text());
+    for (int row = 1; row < lines->GdMx->Rows(); ++row) {
+        const QString code = lines->GdMx->TextMatrix(row, 0);
+        const double quantity = Val(lines->GdMx->TextMatrix(row, 3));
+        const double price = Val(lines->GdMx->TextMatrix(row, 4));
+        if (!moveLine(gDB, kind_, step, number, code, quantity, price)) {
+            // The lines before it stay applied, and an audit after the code is restored applies them again: so it was
+            // agreed, and only the operator can say what has really moved.
+            MsgBox(u"货品编码资料丢失！"_s, QString(), BoxIcon::Exclamation);
+            return false;
+        }
+    }
+    const QString auditor = step == AuditStep::Audit ? gOperName : QString();
+    gDB.Execute(u"update "_s + kind_.header + u" set F6="_s + sqlText(auditor) + u",H8="_s + sqlText(nowText()) +
+                u" where F1="_s + sqlText(number));
+    return true;
+}
+
+void DocumentForm::listAfterAudit()
+{
+    if (allDocuments_) {
+        GD->SetTextMatrix(listRow_, Auditor, gOperName);
+        Txt[Auditor]->setText(gOperName);
+        updateBadge();
+        return;
+    }
+    removeListRow(listRow_);
+    selectListRow(listRow_);
+    if (onDetail())
+        loadDetail(); // another document is current now
+}
+
+void DocumentForm::Menu_noOK()
+{
+    if (!isTopAdministrator()) // hidden for everybody else, and asked again for who came in by another way
+        return;
+    const bool inbound = kind_.wording == Wording::Inbound;
+    if (listEmpty())
+        return MsgBox(inbound ? u"请选择要操作的数据行！"_s : u"请选择要操作的行！"_s);
+    if (Trim(listCell(Auditor)).isEmpty())
+        return MsgBox(inbound ? u"该单据未审核，不能执行撤销审核！"_s : u"该单据未审核，不能做撤销审核操作！"_s);
+    if (!afterLockDate(u"单据日期在 "_s, u" 之前，不能撤销审核！"_s))
+        return;
+    const QString warning = inbound ? u"如果这批已审核入库的货品已经出库，\n\n撤销审核操作可能会造成库存货品数据出现负数！"_s
+                                    : u"撤销审核操作将对库存货品进行更新，\n\n请小心操作！"_s;
+    if (!askYesNo(warning + u"\n\n真的要继续吗？"_s) || !move(AuditStep::Unaudit))
+        return;
+    Txt[Auditor]->clear();
+    GD->SetTextMatrix(listRow_, Auditor, QString());
+    updateBadge();
+}

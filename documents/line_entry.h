@@ -1,0 +1,95 @@
+#pragma once
+
+#include "documents/document_kind.h"
+#include "platform/base/value.h"
+
+#include <QWidget>
+
+class Grid;
+class GoodsLookup;
+class NewGoodsPanel;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+/// A line as the grid's texts say it.
+struct DocumentLine
+{
+    QString code;
+    double quantity = 0; ///< pieces
+    double price = 0;    ///< money a piece, as the grid shows it
+    QString remark;
+};
+
+/// The lines of a document: the grid `GdMx` and, while a document is entered, the panel `PicLRQ` above it, where a goods
+/// code and a quantity make a line. Sums and prices are those of the grid's texts.
+class LineEntry : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit LineEntry(const DocumentTraits& kind);
+
+    /// Shows the stored lines of a document; none leaves one empty row.
+    void load(const QString& number);
+    void clear();
+    /// While a document is entered, cells open and the panel shows. `storedNumber` is the number that the document has
+    /// in the ledger, or is to have: its own lines don't count as promised to others.
+    void setEntering(bool entering, const QString& storedNumber = {});
+    /// An empty row at the bottom, for the next line; its cell becomes current.
+    void openNextRow();
+    /// Hides price and amount where no prices are kept.
+    void followSettings();
+
+    bool endEdit();
+    void cancelEdit();
+    bool isEmpty() const; ///< whether the first row has no code
+    QList<DocumentLine> lines() const;
+    /// Rows that hold a code.
+    int count() const;
+    int currentRow() const;
+    /// The document's total as `Txt(5)` shows it: money in the price format, or pieces where no prices are kept.
+    QString totalText() const;
+
+    void AddGoodsLine();
+    void deleteLine();
+    void lookUp();
+
+    QFrame* PicLRQ = nullptr;
+    QLineEdit* TxtHPBM = nullptr;
+    QLineEdit* TxtSL = nullptr;
+    QPushButton* CmdEnter = nullptr;
+    QPushButton* CmdDel = nullptr;
+    QPushButton* CmdQuery = nullptr;
+    Grid* GdMx = nullptr;
+    GoodsLookup* lookup = nullptr;
+    NewGoodsPanel* newGoods = nullptr; ///< where the kind has it
+
+signals:
+    void changed();            ///< a line was added, changed or removed
+    void rowReached(int row);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void build();
+    bool mayEdit(int row, int column) const;
+    bool finishCell(int row, int column, const QString& before, const QString& after);
+    bool finishCode(int row, const QString& before, const QString& after);
+    bool finishNumber(int row, int column, const QString& after);
+    QPoint cellAfter(int row, int column) const;
+    void followCell(int row);
+    void takeGoods(const QString& code);
+    int findRow(const QString& code, int except = 0) const;
+    void removeRow(int row);
+    void keepEmptyRow();
+    void updateAmount(int row);
+    bool stockCovers(const QString& code, double quantity) const;
+    QString offeredPrice(const Value& price) const;
+
+    const DocumentTraits& kind_;
+    bool entering_ = false;
+    QString storedNumber_;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/base/text.h"
+
+#include <QFrame>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+/// `FrmNewGoods`: enters a goods record and the document's line for it in one step. The record starts without stock;
+/// the document's audit brings it.
+class NewGoodsPanel : public QFrame
+{
+    Q_OBJECT
+
+public:
+    NewGoodsPanel();
+
+    /// Empties the fields, offers that code, and shows the panel.
+    void open(const QString& code);
+    /// @throws StoreError
+    void save();
+    void choosePicture();
+
+    /// Code, name, category code (behind `CmbHPLB`), unit, model, cost, sale price, remark, picture, quantity.
+    QLineEdit* TxtN[10] = {};
+    QLabel* LabN[10] = {};
+    QComboBox* CmbHPLB = nullptr;
+    QPushButton* CmdOpenPic = nullptr;
+    QPushButton* CmdNew[2] = {};
+
+signals:
+    void added(const QString& code, const QString& quantity);
+    void left();
+
+private:
+    void refuse(const QString& text, QWidget* where);
+};

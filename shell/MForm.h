@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/base/text.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <QMdiArea>
+
+class BGForm;
+class StatusPanels;
+
+/// The main window: menu bar, status panels, and the area of child forms with the background behind them. It routes
+/// menu items to forms and guards the end of the program; it holds no business logic.
+class MForm : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// The single instance, made at first use.
+    static MForm& get();
+    ~MForm() override;
+
+    void setCaption(const QString& caption);
+    QString Caption() const { return caption_; }
+    void setOperator(const QString& name);        ///< panel 3
+    void setLedgerTip(const QString& tip);        ///< tool tip of panel 4
+    /// Enables and disables the gated menus by the session's rights.
+    void applyGates();
+    /// The ledger change, from the menu and from panel 4.
+    void changeLedger();
+
+    BGForm* background() { return background_; }
+    QAction* menuItem(const QString& name) const { return items_.value(name); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    MForm();
+    void buildMenu();
+    void panelClicked(int panel);
+    bool mayEnd();
+    void endOrderly();
+
+    QString caption_;
+    QMdiArea* area_ = nullptr;
+    BGForm* background_ = nullptr;
+    StatusPanels* panels_ = nullptr;
+    QHash<QString, QAction*> items_;
+};
