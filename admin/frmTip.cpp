@@ -10,7 +10,8 @@
 
 const QString frmTip::showAtStart = u"在启动时显示提示"_s;
 
-frmTip::frmTip() : Form(formName(), u"日积月累--恒仓宁知识点滴"_s)
+frmTip::frmTip()
+    : Form(formName(), u"日积月累--恒仓宁知识点滴"_s)
 {
     lblTipText = makeLabel(u"lblTipText"_s, QString());
     lblTipText->setWordWrap(true);
@@ -20,7 +21,8 @@ frmTip::frmTip() : Form(formName(), u"日积月累--恒仓宁知识点滴"_s)
     setLook(heading, LabelLook::Heading);
     chkLoadTipsAtStartup = makeCheck(u"chkLoadTipsAtStartup"_s, u"每次启动系统时都自动显示一条"_s);
     cmdNextTip = makeButton(u"cmdNextTip"_s, u"下一条提示"_s, [this] { nextTip(); });
-    cmdOK = makeButton(u"cmdOK"_s, u"确  定"_s, [this] { Unload(); }, -1, ButtonLook::Primary);
+    cmdOK = makeButton(
+        u"cmdOK"_s, u"确  定"_s, [this] { Unload(); }, -1, ButtonLook::Primary);
     cmdOK->setDefault(true);
 
     content()->addWidget(heading);

@@ -55,8 +55,7 @@ bool moveLine(Database& db, const DocumentTraits& kind, AuditStep step, const QS
         return false;
 
     const GoodsState before{goods.Fields(u"F8"), goods.Fields(u"F7"), goods.Fields(u"F71")};
-    const GoodsState after =
-        movedBy(kind, step, before, quantity, price, gNoAvgUpdate != 1, gSalePriceFactor);
+    const GoodsState after = movedBy(kind, step, before, quantity, price, gNoAvgUpdate != 1, gSalePriceFactor);
     goods.Edit();
     if (after.salePrice != before.salePrice)
         goods.setField(u"F71", after.salePrice);

@@ -12,16 +12,16 @@ enum class AuditStep { Audit, Unaudit };
 /// Quantity, average cost and sale price of a goods item. A Null makes Null whatever it enters, as in the store.
 struct GoodsState
 {
-    Value quantity; ///< `F8`
-    Value cost;     ///< `F7`
+    Value quantity;  ///< `F8`
+    Value cost;      ///< `F7`
     Value salePrice; ///< `F71`
 
     bool operator==(const GoodsState&) const = default;
 };
 
-/// The state after one line. Quantities and prices may be negative; nothing is rounded or clamped. When the new quantity
-/// is exactly 0 the cost stays as it was, since there is nothing left to average over. Un-audit computes backwards from
-/// the state as it is now; it knows no earlier cost.
+/// The state after one line. Quantities and prices may be negative; nothing is rounded or clamped. When the new
+/// quantity is exactly 0 the cost stays as it was, since there is nothing left to average over. Un-audit computes
+/// backwards from the state as it is now; it knows no earlier cost.
 /// @param updateCost  whether the moving average is kept (setting 2 off)
 /// @param factor      sale price as a multiple of the cost; 0 leaves the sale price alone
 GoodsState movedBy(const DocumentTraits& kind, AuditStep step, const GoodsState& before, double quantity, double price,

@@ -12,15 +12,11 @@
 #include "platform/widgets/style.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QTabBar>
 
 namespace {
-
-enum ListColumn { Number, Date, Partner, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
-enum Tab { ListTab, DetailTab };
-enum Mode { Viewing, Adding, Editing };
 
 constexpr int statusPanelOfForms = 4;
 constexpr int longestNumber = 25;
@@ -77,7 +73,8 @@ DocumentForm& documentForm(DocumentKind kind)
 }
 
 DocumentForm::DocumentForm(const DocumentTraits& kind)
-    : Form(kind.form.toString(), kind.title.toString()), kind_(kind)
+    : Form(kind.form.toString(), kind.title.toString())
+    , kind_(kind)
 {
     buildCommands();
     TabS = new QTabBar;
@@ -105,6 +102,7 @@ DocumentForm::DocumentForm(const DocumentTraits& kind)
     content()->addWidget(barred_, 1);
 
     connect(TabS, &QTabBar::currentChanged, this, [this](int tab) { runCommand([&] { tabChanged(tab); }); });
+    buildShortcuts();
     fillPartners();
     listDrafts();
     updateState();
@@ -125,7 +123,8 @@ void DocumentForm::buildCommands()
     }
     if (kind_.templates == Templates::Hidden) {
         QMenu* board = addCommandMenu(u"Menu_Board"_s, u"&B.模板"_s);
-        for (const auto& [name, caption] : {std::pair(u"Menu_B1"_s, u"&1.设为模板"_s), {u"Menu_B2"_s, u"&2.模板列表"_s},
+        for (const auto& [name, caption] : {std::pair(u"Menu_B1"_s, u"&1.设为模板"_s),
+                                            {u"Menu_B2"_s, u"&2.模板列表"_s},
                                             {u"Menu_B3"_s, u"&3.按模板开单"_s}})
             addCommand(board, name, caption, {})->setEnabled(false);
         setCommandVisible(board->menuAction(), false);
@@ -160,8 +159,13 @@ void DocumentForm::buildList()
 
 void DocumentForm::buildDetail()
 {
-    const QString captions[] = {kind_.word + u"单号"_s, kind_.word + u"日期"_s, kind_.partner.toString(), u"录入员"_s,
-                                u"审核人"_s,            u"金额合计"_s,          u"附注"_s};
+    const QString captions[] = {kind_.word + u"单号"_s,
+                                kind_.word + u"日期"_s,
+                                kind_.partner.toString(),
+                                u"录入员"_s,
+                                u"审核人"_s,
+                                u"金额合计"_s,
+                                u"附注"_s};
     for (int i = 0; i <= Remark; ++i) {
         Txt[i] = makeEdit(u"Txt"_s, i, i == Total ? EditKind::Number : EditKind::Text);
         Lab[i] = makeLabel(u"Lab"_s, captions[i], i);
@@ -175,6 +179,7 @@ void DocumentForm::buildDetail()
     CmbLB = makeCombo(u"CmbLB"_s);
     enterMovesOn(CmbLB);
     DTP1 = new DatePicker(u"DTP1"_s);
+    DTP1->showAsButton();
 
     auto* fields = new FieldLayout(4);
     fields->add(Lab[Number], Txt[Number]);
@@ -188,8 +193,8 @@ void DocumentForm::buildDetail()
     count_ = makeLabel(u"LabCount"_s, QString());
     for (QLabel* label : {count_, Lab[Total]})
         setLook(label, LabelLook::Field);
-    Txt[Total]->setProperty("look", u"total"_s);
-    Txt[Total]->setFixedWidth(200);
+    showAsTotal(Txt[Total]);
+    Txt[Total]->setFixedWidth(160);
 
     auto* page = makePanel(u"PageDetail"_s);
     auto* layout = new QVBoxLayout(page);
@@ -249,9 +254,9 @@ void DocumentForm::loadList()
     const QString drafts = columns + u"%1,%2 WHERE %1.F3=%2.F1 and (%1.F6 is Null or %1.F6='')  order by %1.H8 desc "_s;
     const QString all = columns + u"%1 left join %2 on %1.F3=%2.F1  "_s;
     const QString partners = kind_.partners.toString();
-    const QString sql = allDocuments_ ? all.arg(kind_.header, partners) + condition_ + u" order by "_s + kind_.header +
-                                            u".H8 desc "_s
-                                      : drafts.arg(kind_.header, partners);
+    const QString sql =
+        allDocuments_ ? all.arg(kind_.header, partners) + condition_ + u" order by "_s + kind_.header + u".H8 desc "_s
+                      : drafts.arg(kind_.header, partners);
     Recordset documents = gDB.OpenRecordset(sql);
     QList<QStringList> rows;
     rows.reserve(documents.RecordCount());
@@ -291,11 +296,11 @@ void DocumentForm::removeListRow(int row)
 
 void DocumentForm::addListRow(const QString& partnerCode)
 {
-    const QString total =
-        gWithMoney != 0 ? Format(Val(Txt[Total]->text()), u"#0.00") : Txt[Total]->text();
+    const QString total = gWithMoney != 0 ? Format(Val(Txt[Total]->text()), u"#0.00") : Txt[Total]->text();
     const bool first = listEmpty();
-    QStringList cells{Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(), Txt[Clerk]->text(), QString(),
-                      total,               Txt[Remark]->text(), partnerCode};
+    QStringList cells{Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(),
+                      Txt[Clerk]->text(),  QString(),         total,
+                      Txt[Remark]->text(), partnerCode};
     for (QString& cell : cells)
         cell = withoutTabs(cell);
     GD->AddItem(cells.join(u'\t'));
@@ -357,7 +362,7 @@ void DocumentForm::clearDetail()
 
 // Modes ---------------------------------------------------------------------------------------------------------------
 
-void DocumentForm::enter(int mode)
+void DocumentForm::enter(Mode mode)
 {
     Edstu = mode;
     TabS->setCurrentIndex(DetailTab);
@@ -413,9 +418,9 @@ void DocumentForm::updateStatus()
     if (onDetail()) {
         const int count = lines->count();
         count_->setText(u"货品 %1 种"_s.arg(count));
-        text = count == 0 ? name + u"明细：无货品信息"_s
-                          : u"%1明细：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(count).arg(
-                                qMax(lines->currentRow(), 1));
+        text = count == 0
+                   ? name + u"明细：无货品信息"_s
+                   : u"%1明细：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(count).arg(qMax(lines->currentRow(), 1));
     } else {
         text = listEmpty() ? u"无单据信息"_s
                            : u"%1列表：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(GD->Rows() - 1).arg(listRow_);
@@ -458,20 +463,26 @@ QWidget* DocumentForm::firstFocus()
     return onDetail() ? static_cast<QWidget*>(TabS) : GD;
 }
 
-void DocumentForm::keyPressEvent(QKeyEvent* event)
+/// F5 reads the list anew; while a document is entered, F2 leads to the code box.
+void DocumentForm::buildShortcuts()
 {
-    if (event->key() == Qt::Key_F5 && Edstu == Viewing) {
-        runCommand([this] {
-            loadList();
-            if (onDetail())
-                loadDetail();
-        });
-    } else if (event->key() == Qt::Key_F2 && Edstu != Viewing) {
+    const auto onKey = [this](Qt::Key key, std::function<void()> run) {
+        auto* shortcut = new QShortcut(QKeySequence(key), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, [run = std::move(run)] { runCommand(run); });
+    };
+    onKey(Qt::Key_F5, [this] {
+        if (Edstu != Viewing)
+            return;
+        loadList();
+        if (onDetail())
+            loadDetail();
+    });
+    onKey(Qt::Key_F2, [this] {
+        if (Edstu == Viewing || !lines->endEdit())
+            return;
         lines->TxtHPBM->setFocus();
         lines->TxtHPBM->selectAll();
-    } else {
-        Form::keyPressEvent(event);
-    }
+    });
 }
 
 // Commands ------------------------------------------------------------------------------------------------------------
@@ -590,12 +601,10 @@ bool DocumentForm::headerComplete()
 bool DocumentForm::findPartner(QString& code)
 {
     code = Trim(codeOf(CmbLB->currentText())).toUpper();
-    const QString name =
-        LookupValue(gDB, u"select F2 from "_s + kind_.partners + u" where F1="_s + sqlText(code));
-    if (name == u"NoFound" && kind_.unknownPartner == UnknownPartner::Added && gOutboundFlagA == 1 &&
-        !code.isEmpty()) {
-        gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' +
-                    sqlText(code) + u')');
+    const QString name = LookupValue(gDB, u"select F2 from "_s + kind_.partners + u" where F1="_s + sqlText(code));
+    if (name == u"NoFound" && kind_.unknownPartner == UnknownPartner::Added && gOutboundFlagA == 1 && !code.isEmpty()) {
+        gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' + sqlText(code) +
+                    u')');
         CmbLB->addItem(entryOf(code, code)); // the next document finds the new consignee in the list
         CmbLB->setEditText(code);
         Txt[Partner]->setText(code);
@@ -615,8 +624,7 @@ bool DocumentForm::numberFree(QString& number, bool typed)
         refuse(u"系统内已经有其它单据使用了 "_s + number + u" 这个单号!"_s, Txt[Number]);
         return false;
     }
-    const QString used =
-        LookupValue(gDB, u"select F1 from "_s + kind_.header + u" where F1="_s + sqlText(number));
+    const QString used = LookupValue(gDB, u"select F1 from "_s + kind_.header + u" where F1="_s + sqlText(number));
     if (used == u"NoFound" || (Edstu == Editing && sameText(used, listCell(Number))))
         return true;
     // The bracket of the first text faces the wrong way; operators know it so.
@@ -734,8 +742,9 @@ void DocumentForm::Menu_noOK()
         return MsgBox(inbound ? u"该单据未审核，不能执行撤销审核！"_s : u"该单据未审核，不能做撤销审核操作！"_s);
     if (!afterLockDate(u"单据日期在 "_s, u" 之前，不能撤销审核！"_s))
         return;
-    const QString warning = inbound ? u"如果这批已审核入库的货品已经出库，\n\n撤销审核操作可能会造成库存货品数据出现负数！"_s
-                                    : u"撤销审核操作将对库存货品进行更新，\n\n请小心操作！"_s;
+    const QString warning =
+        inbound ? u"如果这批已审核入库的货品已经出库，\n\n撤销审核操作可能会造成库存货品数据出现负数！"_s
+                : u"撤销审核操作将对库存货品进行更新，\n\n请小心操作！"_s;
     if (!askYesNo(warning + u"\n\n真的要继续吗？"_s) || !move(AuditStep::Unaudit))
         return;
     Txt[Auditor]->clear();

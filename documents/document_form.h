@@ -13,8 +13,8 @@ class QLineEdit;
 class QStackedWidget;
 class QTabBar;
 
-/// Inbound, return, outbound and return-from-consignee documents: a list tab and a detail tab, draft and audit. Which of
-/// the four it is comes from one DocumentTraits row.
+/// Inbound, return, outbound and return-from-consignee documents: a list tab and a detail tab, draft and audit. Which
+/// of the four it is comes from one DocumentTraits row.
 class DocumentForm : public Form
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ public:
     /// Lists all documents that meet the condition (a WHERE clause, or "" for all), with their audit state.
     void listAll(const QString& condition);
 
-    int Edstu = 0; ///< 0 viewing, 1 adding, 2 editing; read by the main window's close guard
+    int Edstu = 0;      ///< 0 viewing, 1 adding, 2 editing; read by the main window's close guard
     QString ReservedNo; ///< the number held in `DanNo` from the moment of adding or editing until save or cancel
 
     QTabBar* TabS = nullptr;
@@ -54,12 +54,16 @@ protected:
     bool queryUnload() override;
     void unloaded() override;
     QWidget* firstFocus() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    enum ListColumn { Number, Date, Partner, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
+    enum Tab { ListTab, DetailTab };
+    enum Mode { Viewing, Adding, Editing };
+
     void buildCommands();
     void buildList();
     void buildDetail();
+    void buildShortcuts();
     void fillPartners();
 
     void loadList();
@@ -73,7 +77,7 @@ private:
     bool listEmpty() const;
     bool onDetail() const;
 
-    void enter(int mode);
+    void enter(Mode mode);
     void leaveEntering();
     void updateState();
     void updateStatus();

@@ -14,22 +14,22 @@ enum class Entry { Checked, Free };           ///< line entry asks `CheckStockEn
 enum class FirstCheck { LockDate, Question }; ///< which of the two an audit asks first
 enum class UnknownPartner { Refused, Added };
 enum class PriceOffer { Everybody, CostRight }; ///< who is offered the price from the goods master; others get 0
-enum class NullCost { Zero, Malformed };      ///< what the audit's snapshot makes of a goods item without a cost
-enum class NewGoods { Panel, None };          ///< whether goods can be added from within the form
-enum class Wording { Inbound, Common };       ///< the inbound form words some refusals in its own way
-enum class Templates { Hidden, None };        ///< the template menu that nothing shows
+enum class NullCost { Zero, Malformed };        ///< what the audit's snapshot makes of a goods item without a cost
+enum class NewGoods { Panel, None };            ///< whether goods can be added from within the form
+enum class Wording { Inbound, Common };         ///< the inbound form words some refusals in its own way
+enum class Templates { Hidden, None };          ///< the template menu that nothing shows
 
 struct DocumentTraits
 {
     DocumentKind kind;
     QStringView form;
     QStringView title;
-    QStringView word;    ///< "入库": begins the captions of number, date, quantity and price, and names the list
-    QStringView partner; ///< caption of the partner
-    QStringView header;  ///< header table; the line table is this name with "1" behind it
-    QStringView prefix;  ///< of the document number
-    QStringView partners;  ///< partner table
-    QStringView lastColumn; ///< caption of the partner's code in the list
+    QStringView word;         ///< "入库": begins the captions of number, date, quantity and price, and names the list
+    QStringView partner;      ///< caption of the partner
+    QStringView header;       ///< header table; the line table is this name with "1" behind it
+    QStringView prefix;       ///< of the document number
+    QStringView partners;     ///< partner table
+    QStringView lastColumn;   ///< caption of the partner's code in the list
     QStringView newLinePrice; ///< column of `TA4` that a new line takes its price from
     OperatorRight right;
     Stock stock;

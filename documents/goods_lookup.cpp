@@ -24,10 +24,13 @@ GoodsLookup::GoodsLookup(bool withNewGoods)
                          {u"现存"_s, 140, ColumnKind::Number}});
     GdQuery->setFixedHeight(style::headerHeight + shownRows * style::rowHeight + 2);
     LabInfo = makeLabel(u"LabInfo"_s, QString());
-    CmdBox[0] = makeButton(u"CmdBox"_s, u"选 定"_s, [this] { choose(); }, 0, ButtonLook::Primary);
-    CmdBox[1] = makeButton(u"CmdBox"_s, u"返 回"_s, [this] { leave(); }, 1);
+    CmdBox[0] = makeButton(
+        u"CmdBox"_s, u"选 定"_s, [this] { choose(); }, 0, ButtonLook::Primary);
+    CmdBox[1] = makeButton(
+        u"CmdBox"_s, u"返 回"_s, [this] { leave(); }, 1);
     if (withNewGoods)
-        CmdBox[2] = makeButton(u"CmdBox"_s, u"新 增"_s, [this] { emit newGoodsWanted(); }, 2);
+        CmdBox[2] = makeButton(
+            u"CmdBox"_s, u"新 增"_s, [this] { emit newGoodsWanted(); }, 2);
 
     auto* foot = makeRow({LabInfo, nullptr, CmdBox[0], CmdBox[1]});
     if (CmdBox[2])
@@ -51,13 +54,13 @@ void GoodsLookup::fill(const QString& code)
                      goods.Fields(3).text() + u' ' + goods.Fields(4).text()});
     const qsizetype found = rows.size();
     if (code.isEmpty())
-        LabInfo->setText(found == 0           ? u"货品资料库中没有任何编码资料"_s
+        LabInfo->setText(found == 0          ? u"货品资料库中没有任何编码资料"_s
                          : found < mostGoods ? u"所有货品编码资料"_s
-                                              : u"货品资料库中前500条记录"_s);
+                                             : u"货品资料库中前500条记录"_s);
     else
-        LabInfo->setText(found == 0           ? u"没有以“%1”开头的货品编码"_s.arg(code)
+        LabInfo->setText(found == 0          ? u"没有以“%1”开头的货品编码"_s.arg(code)
                          : found < mostGoods ? u"所有货品编码以“%1”开头的记录"_s.arg(code)
-                                              : u"货品编码以“%1”开头的前500条记录"_s.arg(code));
+                                             : u"货品编码以“%1”开头的前500条记录"_s.arg(code));
     if (found == 0)
         GdQuery->clearRows();
     else

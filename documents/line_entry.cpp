@@ -18,7 +18,6 @@
 
 namespace {
 
-enum LineColumn { Code, Name, Unit, Quantity, Price, Amount, Remark };
 const QString codeCaption = u"货品编码"_s;
 
 double cellNumber(const Grid& grid, int row, int column)
@@ -28,7 +27,8 @@ double cellNumber(const Grid& grid, int row, int column)
 
 } // namespace
 
-LineEntry::LineEntry(const DocumentTraits& kind) : kind_(kind)
+LineEntry::LineEntry(const DocumentTraits& kind)
+    : kind_(kind)
 {
     build();
     GdMx->mayEdit = [this](int row, int column) { return mayEdit(row, column); };
@@ -61,10 +61,12 @@ LineEntry::LineEntry(const DocumentTraits& kind) : kind_(kind)
     connect(lookup, &GoodsLookup::chosen, this, &LineEntry::takeGoods);
     connect(lookup, &GoodsLookup::left, TxtHPBM, qOverload<>(&QWidget::setFocus));
     if (newGoods) {
-        connect(lookup, &GoodsLookup::newGoodsWanted, this, [this] { newGoods->open(TxtHPBM->text()); });
+        connect(lookup, &GoodsLookup::newGoodsWanted, this, [this] {
+            lookup->hide(); // both would leave no room for the lines
+            newGoods->open(TxtHPBM->text());
+        });
         connect(newGoods, &NewGoodsPanel::left, TxtHPBM, qOverload<>(&QWidget::setFocus));
         connect(newGoods, &NewGoodsPanel::added, this, [this](const QString& code, const QString& quantity) {
-            lookup->hide();
             TxtHPBM->setText(code);
             TxtSL->setText(quantity);
             AddGoodsLine();
@@ -80,9 +82,11 @@ void LineEntry::build()
     TxtHPBM->setFixedWidth(150);
     TxtSL = makeEdit(u"TxtSL"_s, -1, EditKind::Number);
     TxtSL->setFixedWidth(90);
-    CmdQuery = makeButton(u"CmdQuery"_s, u"?"_s, [this] { lookUp(); }, -1, ButtonLook::Compact);
+    CmdQuery = makeButton(
+        u"CmdQuery"_s, u"?"_s, [this] { lookUp(); }, -1, ButtonLook::Compact);
     CmdQuery->setToolTip(u"查找货品编码资料"_s);
-    CmdEnter = makeButton(u"CmdEnter"_s, u"增加货品"_s, [this] { AddGoodsLine(); }, -1, ButtonLook::Primary);
+    CmdEnter = makeButton(
+        u"CmdEnter"_s, u"增加货品"_s, [this] { AddGoodsLine(); }, -1, ButtonLook::Primary);
     CmdDel = makeButton(u"CmdDel"_s, u"删除货品"_s, [this] { deleteLine(); });
     auto* hint = makeLabel(u"LabHint"_s, u"回车：下一格　Esc：放弃本格　F2：货品编码　F4：查找货品"_s);
     auto* codeLabel = makeLabel(u"LabHPBM"_s, codeCaption);
@@ -194,8 +198,8 @@ QList<DocumentLine> LineEntry::lines() const
     QList<DocumentLine> result;
     for (int row = 1; row < GdMx->Rows(); ++row)
         if (const QString code = GdMx->TextMatrix(row, Code); !Trim(code).isEmpty())
-            result.append({code, cellNumber(*GdMx, row, Quantity), cellNumber(*GdMx, row, Price),
-                           GdMx->TextMatrix(row, Remark)});
+            result.append(
+                {code, cellNumber(*GdMx, row, Quantity), cellNumber(*GdMx, row, Price), GdMx->TextMatrix(row, Remark)});
     return result;
 }
 
@@ -242,9 +246,8 @@ void LineEntry::AddGoodsLine()
         return;
     }
     // The quantity stands in the select list, so that the record has the grid's columns in order.
-    const Recordset goods =
-        gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,F4,"_s + NumText(quantity) + u" as sl,"_s +
-                          kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
+    const Recordset goods = gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,F4,"_s + NumText(quantity) + u" as sl,"_s +
+                                              kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
     if (goods.isEOF()) {
         MsgBox(u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
                    .arg(codeCaption));
@@ -368,8 +371,9 @@ bool LineEntry::finishCode(int row, const QString& before, const QString& after)
                                               u" from TA4 where F1="_s + sqlText(code));
     if (goods.isEOF()) {
         if (kind_.wording == Wording::Inbound)
-            MsgBox(u"货品资料库中不存在这个%1！\n请在顶部“货品编码”栏输入模糊查找条件，并点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
-                       .arg(codeCaption));
+            MsgBox(
+                u"货品资料库中不存在这个%1！\n请在顶部“货品编码”栏输入模糊查找条件，并点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
+                    .arg(codeCaption));
         else
             MsgBox(u"无效的"_s + codeCaption + u"!"_s);
         return false;

@@ -22,8 +22,8 @@ struct DocumentLine
     QString remark;
 };
 
-/// The lines of a document: the grid `GdMx` and, while a document is entered, the panel `PicLRQ` above it, where a goods
-/// code and a quantity make a line. Sums and prices are those of the grid's texts.
+/// The lines of a document: the grid `GdMx` and, while a document is entered, the panel `PicLRQ` above it, where a
+/// goods code and a quantity make a line. Sums and prices are those of the grid's texts.
 class LineEntry : public QWidget
 {
     Q_OBJECT
@@ -67,13 +67,15 @@ public:
     NewGoodsPanel* newGoods = nullptr; ///< where the kind has it
 
 signals:
-    void changed();            ///< a line was added, changed or removed
+    void changed(); ///< a line was added, changed or removed
     void rowReached(int row);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    enum LineColumn { Code, Name, Unit, Quantity, Price, Amount, Remark };
+
     void build();
     bool mayEdit(int row, int column) const;
     bool finishCell(int row, int column, const QString& before, const QString& after);

@@ -2,7 +2,6 @@
 
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
-#include "platform/widgets/controls.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/style.h"
 #include "shell/session.h"
@@ -11,19 +10,10 @@
 
 namespace {
 
-enum GoodsField { Code, Name, Category, Unit, Model, InPrice, SalePrice, Remark, Picture, Quantity, FieldCount };
-
-constexpr QStringView fieldCaptions[FieldCount] = {u"货品编码", u"货品名称", u"所属类别", u"计量单位", u"规格型号",
-                                                   u"入库价格", u"销售价格", u"备注信息", u"货品图片", u"入库数量"};
+constexpr QStringView fieldCaptions[] = {u"货品编码", u"货品名称", u"所属类别", u"计量单位", u"规格型号",
+                                         u"入库价格", u"销售价格", u"备注信息", u"货品图片", u"入库数量"};
 
 constexpr qsizetype captionLength = 4; // what of a caption the refusals name
-
-EditKind editKindOf(int field)
-{
-    if (field == Code)
-        return EditKind::Code;
-    return field == InPrice || field == SalePrice || field == Quantity ? EditKind::Number : EditKind::Text;
-}
 
 } // namespace
 
@@ -31,12 +21,17 @@ NewGoodsPanel::NewGoodsPanel()
 {
     setObjectName(u"FrmNewGoods"_s);
     CmbHPLB = makeCombo(u"CmbHPLB"_s);
-    CmdOpenPic = makeButton(u"CmdOpenPic"_s, u"…"_s, [this] { choosePicture(); }, -1, ButtonLook::Compact);
-    CmdNew[0] = makeButton(u"CmdNew"_s, u"保 存"_s, [this] { save(); }, 0, ButtonLook::Primary);
-    CmdNew[1] = makeButton(u"CmdNew"_s, u"返 回"_s, [this] {
-        hide();
-        emit left();
-    }, 1);
+    CmdOpenPic = makeButton(
+        u"CmdOpenPic"_s, u"…"_s, [this] { choosePicture(); }, -1, ButtonLook::Compact);
+    CmdNew[0] = makeButton(
+        u"CmdNew"_s, u"保 存"_s, [this] { save(); }, 0, ButtonLook::Primary);
+    CmdNew[1] = makeButton(
+        u"CmdNew"_s, u"返 回"_s,
+        [this] {
+            hide();
+            emit left();
+        },
+        1);
 
     auto* fields = new FieldLayout(4);
     for (int i = 0; i < FieldCount; ++i) {
@@ -60,6 +55,13 @@ NewGoodsPanel::NewGoodsPanel()
     all->addLayout(makeRow({nullptr, CmdNew[0], CmdNew[1]}));
 }
 
+EditKind NewGoodsPanel::editKindOf(int field)
+{
+    if (field == Code)
+        return EditKind::Code;
+    return field == InPrice || field == SalePrice || field == Quantity ? EditKind::Number : EditKind::Text;
+}
+
 void NewGoodsPanel::open(const QString& code)
 {
     CmbHPLB->clear();
@@ -75,7 +77,8 @@ void NewGoodsPanel::open(const QString& code)
 
 void NewGoodsPanel::choosePicture()
 {
-    if (const auto file = openFileDialog(u"选择货品图片"_s, u"图片文件(*.jpg;*.gif;*.bmp)|*.jpg;*.gif;*.bmp"_s, QString()))
+    if (const auto file =
+            openFileDialog(u"选择货品图片"_s, u"图片文件(*.jpg;*.gif;*.bmp)|*.jpg;*.gif;*.bmp"_s, QString()))
         TxtN[Picture]->setText(*file);
 }
 
@@ -91,8 +94,7 @@ void NewGoodsPanel::save()
         return refuse(caption(Category) + u"不能为空！"_s, CmbHPLB);
 
     TxtN[Category]->setText(Trim(codeOf(CmbHPLB->currentText())));
-    const QString category =
-        LookupValue(gDB, u"select F2 from TA3 where F1="_s + sqlText(TxtN[Category]->text()));
+    const QString category = LookupValue(gDB, u"select F2 from TA3 where F1="_s + sqlText(TxtN[Category]->text()));
     if (category.isEmpty() || category == u"NoFound")
         return refuse(u"编码输入错误！"_s, CmbHPLB);
     const QString code = Trim(TxtN[Code]->text()).toUpper();

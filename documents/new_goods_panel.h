@@ -1,13 +1,8 @@
 #pragma once
 
-#include "platform/base/text.h"
+#include "platform/widgets/controls.h"
 
 #include <QFrame>
-
-class QComboBox;
-class QLabel;
-class QLineEdit;
-class QPushButton;
 
 /// `FrmNewGoods`: enters a goods record and the document's line for it in one step. The record starts without stock;
 /// the document's audit brings it.
@@ -36,5 +31,8 @@ signals:
     void left();
 
 private:
+    enum GoodsField { Code, Name, Category, Unit, Model, InPrice, SalePrice, Remark, Picture, Quantity, FieldCount };
+
+    static EditKind editKindOf(int field);
     void refuse(const QString& text, QWidget* where);
 };

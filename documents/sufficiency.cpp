@@ -11,8 +11,8 @@ namespace {
 double promised(const QString& header, const QString& code, const QString& number)
 {
     const QString lines = header + u'1';
-    return Val(LookupValue(gDB, u"select SUM ("_s + lines + u".F6) AS SLSL from "_s + lines + u" left join "_s + header +
-                                    u" on "_s + header + u".F1="_s + lines + u".F0 WHERE "_s + header +
+    return Val(LookupValue(gDB, u"select SUM ("_s + lines + u".F6) AS SLSL from "_s + lines + u" left join "_s +
+                                    header + u" on "_s + header + u".F1="_s + lines + u".F0 WHERE "_s + header +
                                     u".F6 IS NULL and "_s + lines + u".F0<>"_s + sqlText(Trim(number)) + u" AND "_s +
                                     lines + u".F1="_s + sqlText(code) + u" GROUP BY "_s + lines + u".F1"_s));
 }

@@ -64,12 +64,14 @@ QString NextDocNumber(const QString& prefix, const QString& table)
     const QString base = prefix + Right(QString::number(today.year()), 2) + Format(today.month(), u"#00");
     const QString highest = LookupValue(gDB, u"select top 1 F1 from "_s + table + u" where F1 like "_s +
                                                  sqlText(base + u"??????"_s) + u" order by F1 desc"_s);
-    int n = highest.size() >= 8 ? int(Val(Right(highest, 4))) + 1 : 1;
+    // A number that was typed may end in anything, such as "-123" or "1E99".
+    const double last = highest.size() >= 8 ? Val(Right(highest, 4)) : 0;
+    int n = last >= 0 && last <= lastSequence ? int(last) + 1 : 1;
     const ReadRun reads(gDB);
     for (; n <= lastSequence; ++n) {
         const QString sequence = Format(n, u"#0000");
-        const Recordset used = gDB.OpenRecordset(u"select F1 from "_s + table + u" where F1 like "_s +
-                                                 sqlText(base + u"??"_s + sequence));
+        const Recordset used =
+            gDB.OpenRecordset(u"select F1 from "_s + table + u" where F1 like "_s + sqlText(base + u"??"_s + sequence));
         if (!used.isEOF())
             continue;
         QString candidate = base + Format(today.day(), u"#00") + sequence;

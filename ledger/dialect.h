@@ -41,8 +41,8 @@ struct Translation
 {
     QByteArray sql;                ///< SQLite's text, UTF-8, parameters ?1, ?2 ...
     std::vector<Binding> bindings; ///< for parameter n, at n - 1
-    /// Literals that stand in the text itself (ordinals, `''` tests, patterns, select items without alias): the
-    /// translation serves only statements whose literals at these places are equal.
+    /// Literals that stand in the text itself or decided what it says (ordinals, the unit of datediff, the digits of a
+    /// broken column name): the translation serves only statements whose literals at these places are equal.
     std::vector<size_t> fixed;
     bool isQuery = false;
     QStringList columns; ///< names of a query's columns as the dialect gives them; empty for "*"
@@ -55,7 +55,9 @@ Translation translate(QStringView statement);
 /// The value for a parameter. @throws StoreError (Value) when a literal that must be a date is none
 Literal bound(const Binding& binding, const std::vector<Literal>& literals);
 
-/// Registers the functions and collations that translated statements use on a connection.
+/// Registers the functions and the collation that translated statements and the ledger's indexes use on a connection.
+/// A text that should be a date and is none fails a statement with SQLITE_MISMATCH and the operator's message.
+/// @throws StoreError (Other)
 void registerFunctions(sqlite3* connection);
 
 } // namespace dialect

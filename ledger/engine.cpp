@@ -42,8 +42,8 @@ Explanation explanationOf(int code, bool preparing)
         return {Damaged, u"帐本文件已经损坏。请从备份中恢复数据。"};
     case SQLITE_NOMEM:
         return {Other, u"内存不足，操作没有完成。请关闭其它程序后再试。"};
-    case SQLITE_TOOBIG:
     case SQLITE_MISMATCH:
+    case SQLITE_TOOBIG:
     case SQLITE_CONSTRAINT:
         return {Value, u"数据不能存入帐本。请检查录入的内容。"};
     case SQLITE_ERROR:
@@ -65,10 +65,14 @@ Explanation explanationOf(int code, bool preparing)
 StoreError engineError(sqlite3* database, int code, const QString& statement, bool preparing)
 {
     const Explanation explanation = explanationOf(code, preparing);
-    return StoreError({.kind = explanation.kind,
-                       .what = explanation.text.toString(),
-                       .engineMessage = QString::fromUtf8(database ? sqlite3_errmsg(database) : sqlite3_errstr(code)),
-                       .statement = statement});
+    StoreError::Details details = {.kind = explanation.kind,
+                                   .what = explanation.text.toString(),
+                                   .engineMessage =
+                                       QString::fromUtf8(database ? sqlite3_errmsg(database) : sqlite3_errstr(code)),
+                                   .statement = statement};
+    if (code == SQLITE_MISMATCH) // raised by a function of the dialect, in words for the operator
+        details.what = std::exchange(details.engineMessage, {}) + u"。请检查录入的内容和查询的条件。";
+    return StoreError(std::move(details));
 }
 
 // ---- Rows -----------------------------------------------------------------------------------------------------------

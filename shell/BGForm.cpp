@@ -19,9 +19,10 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override { QPainter(this).drawPixmap(0, 0, pixmap()); }
 };
-}
+} // namespace
 
-BGForm::BGForm(QWidget* area) : QWidget(area)
+BGForm::BGForm(QWidget* area)
+    : QWidget(area)
 {
     setObjectName(u"BGForm"_s);
     setProperty("caption", QString());
@@ -91,8 +92,7 @@ void BGForm::fitTo(QSize size)
     resize(size);
     Img->setGeometry(rect());
     if (!picture_.isNull() && !size.isEmpty()) {
-        const QPixmap scaled =
-            picture_.scaled(size, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+        const QPixmap scaled = picture_.scaled(size, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
         Img->setPixmap(scaled.copy((scaled.width() - size.width()) / 2, (scaled.height() - size.height()) / 2,
                                    size.width(), size.height()));
     }

@@ -4,8 +4,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-/// The full-size background behind all child forms: a picture and, over a personal one, the big caption. It is disabled,
-/// so that a click on it leaves the form in front alone.
+/// The full-size background behind all child forms: a picture and, over a personal one, the big caption. It is
+/// disabled, so that a click on it leaves the form in front alone.
 class BGForm : public QWidget
 {
     Q_OBJECT

@@ -20,22 +20,27 @@
 
 namespace {
 
-/// A column of an operator's row, "NoFound" when there is none.
+/// A column of an operator's row, "NoFound" when there is none. Unlike `LookupValue` it raises a failure: a password
+/// that can't be read must not count as an empty one.
 QString operatorField(QStringView column, const QString& account)
 {
-    return LookupValue(gDB, u"select "_s + column + u" from TE1 where F1="_s + sqlText(account));
+    const Recordset row = gDB.OpenRecordset(u"select "_s + column + u" from TE1 where F1="_s + sqlText(account));
+    return row.isEOF() ? u"NoFound"_s : row.Fields(0).text();
 }
 
 constexpr int pictureSize = 64;
 
 } // namespace
 
-Login::Login() : Form(formName(), u"登录帐本..."_s + todayText()), defaultBigCaption_(u"恒仓宁仓库管理"_s)
+Login::Login()
+    : Form(formName(), u"登录帐本..."_s + todayText())
+    , defaultBigCaption_(u"恒仓宁仓库管理"_s)
 {
     const bool noPassword = LookupValue(gDB, u"SELECT F3 FROM TE1 WHERE F1='001'"_s).isEmpty();
-    helpText_ = noPassword
-                    ? u"系统默认用户为“001”，默认密码为空。也就是不需要输入密码，直接按<登录>按钮登录。\n\n在系统中可以使用[操作员修改密码]功能为“001”或其它用户名设定密码。"_s
-                    : u"如果您忘记了最高管理员“001”的密码，请通过以下流程找回密码：\n\n请您准备好帐本文件的备份以及购买凭证，与软件供应商的服务台联系，核实身份之后由服务台协助您重设密码。"_s;
+    helpText_ =
+        noPassword
+            ? u"系统默认用户为“001”，默认密码为空。也就是不需要输入密码，直接按<登录>按钮登录。\n\n在系统中可以使用[操作员修改密码]功能为“001”或其它用户名设定密码。"_s
+            : u"如果您忘记了最高管理员“001”的密码，请通过以下流程找回密码：\n\n请您准备好帐本文件的备份以及购买凭证，与软件供应商的服务台联系，核实身份之后由服务台协助您重设密码。"_s;
     helpText_ += u"\n\n关于如何使用本软件，您可以在登录系统后查看主菜单[使用说明]中的信息。"_s;
 
     Image1 = makeLabel(u"Image1"_s, QString());
@@ -44,9 +49,12 @@ Login::Login() : Form(formName(), u"登录帐本..."_s + todayText()), defaultBi
     Cmb = makeCombo(u"Cmb"_s);
     Txt[0] = makeEdit(u"Txt"_s, 0);
     Txt[1] = makeEdit(u"Txt"_s, 1, EditKind::Password);
-    Cmd[0] = makeButton(u"Cmd"_s, u"登录"_s, [this] { logIn(); }, 0, ButtonLook::Primary);
-    Cmd[1] = makeButton(u"Cmd"_s, u"退出"_s, [] { endProcess(); }, 1);
-    Cmd[2] = makeButton(u"Cmd"_s, u"帮助"_s, [this] { help(); }, 2);
+    Cmd[0] = makeButton(
+        u"Cmd"_s, u"登录"_s, [this] { logIn(); }, 0, ButtonLook::Primary);
+    Cmd[1] = makeButton(
+        u"Cmd"_s, u"退出"_s, [] { endProcess(); }, 1);
+    Cmd[2] = makeButton(
+        u"Cmd"_s, u"帮助"_s, [this] { help(); }, 2);
 
     Recordset operators = gDB.OpenRecordset(u"select F1+'.'+F2 as userN from TE1 order by F1"_s);
     for (; !operators.isEOF(); operators.MoveNext())
@@ -87,21 +95,30 @@ void Login::logIn()
     const QString account = Trim(Txt[0]->text());
     if (account.isEmpty())
         return refuse(u"请输入或在下拉列表中选择用户帐号!"_s, Txt[0]);
-    const QString password = operatorField(u"F3", account);
-    if (password == u"NoFound")
-        return refuse(u"无效的用户帐号！建议您在下拉列表中选择！"_s, Txt[0]);
-    if (Txt[1]->text() != password) {
-        refuse(u"密码输入错误！"_s, Txt[1]);
-        Txt[1]->clear();
-        return;
-    }
     try {
+        if (!proven(account))
+            return;
         completeLogin(account);
     } catch (const StoreError&) {
         logOut(); // half a login is none
         throw;
     }
     Unload();
+}
+
+bool Login::proven(const QString& account)
+{
+    const QString password = operatorField(u"F3", account);
+    if (password == u"NoFound") {
+        refuse(u"无效的用户帐号！建议您在下拉列表中选择！"_s, Txt[0]);
+        return false;
+    }
+    if (Txt[1]->text() != password) {
+        refuse(u"密码输入错误！"_s, Txt[1]);
+        Txt[1]->clear();
+        return false;
+    }
+    return true;
 }
 
 void Login::completeLogin(const QString& account)
@@ -118,14 +135,15 @@ void Login::completeLogin(const QString& account)
 void Login::dressBackground()
 {
     BGForm& background = *MForm::get().background();
-    const QString caption = operatorField(u"F75", gOperId);
+    // Decoration only: neither a failed look-up nor an unreadable picture stops a login, or changes what is shown.
+    const QString caption = LookupValue(gDB, u"select F75 from TE1 where F1="_s + sqlText(gOperId));
     background.setBigCaption(caption.isEmpty() || caption == u"NoFound" ? defaultBigCaption_ : Trim(caption));
     const QString own = gAppPath + u"image\\"_s + gOperId + u".jpg"_s;
+    const QString common = gAppPath + u"syspic.dat"_s;
     if (fileExists(own)) {
-        background.loadPicture(own);
-        background.setCaptionVisible(true);
-    } else {
-        background.loadPicture(gAppPath + u"syspic.dat"_s);
+        if (background.loadPicture(own))
+            background.setCaptionVisible(true);
+    } else if (!fileExists(common) || background.loadPicture(common)) {
         background.setCaptionVisible(false);
     }
 }

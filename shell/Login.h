@@ -21,8 +21,8 @@ public:
     void logIn();
     void help();
 
-    QComboBox* Cmb = nullptr;     ///< operators, "account.name"
-    QLineEdit* Txt[2] = {};       ///< account, password
+    QComboBox* Cmb = nullptr; ///< operators, "account.name"
+    QLineEdit* Txt[2] = {};   ///< account, password
     QPushButton* Cmd[3] = {};
     QLabel* Image1 = nullptr;
 
@@ -33,6 +33,7 @@ protected:
 private:
     void takeAccount();
     void refuse(const QString& text, QLineEdit* where);
+    bool proven(const QString& account);
     void completeLogin(const QString& account);
     void dressBackground();
 

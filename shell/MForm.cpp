@@ -24,6 +24,7 @@
 #include <QMenuBar>
 #include <QPointer>
 #include <QStatusBar>
+
 #include <optional>
 
 namespace {
@@ -185,7 +186,7 @@ MForm::MForm()
     background_->loadPicture(gAppPath + u"syspic.dat"_s);
     background_->show();
 
-    setCaption(u"恒仓宁仓库管理系统 Ver:"_s + gVersion);
+    setCaption(mainCaption());
     panels_->setText(MakerPanel, makerName.toString());
     panels_->setToolTip(MakerPanel, u"关于本软件"_s);
     panels_->setText(OperatorLabelPanel, u"操作员："_s);
@@ -297,10 +298,10 @@ void MForm::changeLedger()
     gDB.Close();
     directory.setLeaveCaption(u"返回系统"_s);
     directory.ShowModal();
+    LedgerStatus(); // the same file may have been opened under another name
     if (gLedgerFile == fileBefore)
         return;
     logOut();
-    LedgerStatus();
     theForm<Login>().ShowModal();
 }
 

@@ -22,8 +22,8 @@ public:
 
     void setCaption(const QString& caption);
     QString Caption() const { return caption_; }
-    void setOperator(const QString& name);        ///< panel 3
-    void setLedgerTip(const QString& tip);        ///< tool tip of panel 4
+    void setOperator(const QString& name); ///< panel 3
+    void setLedgerTip(const QString& tip); ///< tool tip of panel 4
     /// Enables and disables the gated menus by the session's rights.
     void applyGates();
     /// The ledger change, from the menu and from panel 4.

@@ -61,7 +61,8 @@ QString CleanLedgerName(const QString& text)
     return name;
 }
 
-ZbSet::ZbSet() : Form(formName(), u"恒仓宁仓管系统标准版--帐本设置"_s)
+ZbSet::ZbSet()
+    : Form(formName(), u"恒仓宁仓管系统标准版--帐本设置"_s)
 {
     Cmb[0] = makeCombo(u"Cmb"_s, 0, false);
     Cmb[1] = makeCombo(u"Cmb"_s, 1, false);
@@ -69,10 +70,14 @@ ZbSet::ZbSet() : Form(formName(), u"恒仓宁仓管系统标准版--帐本设置
     Label2->setToolTip(u"双击打开帐本文件所在的文件夹"_s);
     onDoubleClick(Label2, [this] { openFolder(); });
     Chk = makeCheck(u"Chk"_s, u"下次启动系统默认使用该帐本不显示本窗口"_s);
-    Cmd[0] = makeButton(u"Cmd"_s, u"打开帐本"_s, [this] { OpenSelected(); }, 0, ButtonLook::Primary);
-    Cmd[1] = makeButton(u"Cmd"_s, u"增加帐本"_s, [this] { showEditMenu(); }, 1);
-    Cmd[2] = makeButton(u"Cmd"_s, u"删除帐本"_s, [this] { unlist(); }, 2);
-    Cmd[3] = makeButton(u"Cmd"_s, u"退出系统"_s, [this] { leave(); }, 3);
+    Cmd[0] = makeButton(
+        u"Cmd"_s, u"打开帐本"_s, [this] { OpenSelected(); }, 0, ButtonLook::Primary);
+    Cmd[1] = makeButton(
+        u"Cmd"_s, u"增加帐本"_s, [this] { showEditMenu(); }, 1);
+    Cmd[2] = makeButton(
+        u"Cmd"_s, u"删除帐本"_s, [this] { unlist(); }, 2);
+    Cmd[3] = makeButton(
+        u"Cmd"_s, u"退出系统"_s, [this] { leave(); }, 3);
     Cmd[0]->setDefault(true);
 
     auto* fields = new FieldLayout;
@@ -100,9 +105,10 @@ bool ZbSet::LoadLedgerList()
         if (i + 1 < lines.size())
             Cmb[1]->addItem(unpacked(lines[i + 1]));
     }
-    if (lines.size() < 3) { // no list yet, or one without a single whole entry
-        Cmb[0]->clear();
+    if (Cmb[0]->count() == 0) // no list yet
         addLedger(gLedgerName, gLedgerFile);
+    if (Cmb[1]->count() == 0 || lines.size() < 2) { // nothing that could be opened unseen
+        select(0);
         return true;
     }
     if (!show) {
@@ -184,8 +190,8 @@ void ZbSet::newone()
 
 void ZbSet::setpath()
 {
-    const auto chosen = openFileDialog(u"请选择已存在的帐本文件"_s, ledgerFilter.toString(),
-                                       ledgerFolder() + localPath(u"\\*.hcn"_s));
+    const auto chosen =
+        openFileDialog(u"请选择已存在的帐本文件"_s, ledgerFilter.toString(), ledgerFolder() + localPath(u"\\*.hcn"_s));
     if (!chosen)
         return;
     const QString path = localPath(*chosen);

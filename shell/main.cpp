@@ -19,8 +19,7 @@ int main(int argc, char* argv[])
     setDialogHost(windowDialogs());
     style::apply(application);
     setProgramFolder(QApplication::applicationDirPath());
-    QTimer::singleShot(0, &application, [] {
-        runCommand([] { runEntry(commandLineOf(QApplication::arguments().mid(1))); });
-    });
+    QTimer::singleShot(0, &application,
+                       [] { runCommand([] { runEntry(commandLineOf(QApplication::arguments().mid(1))); }); });
     return QApplication::exec();
 }

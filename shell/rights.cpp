@@ -26,11 +26,16 @@ void spreadRights()
 
 } // namespace
 
+QString mainCaption()
+{
+    return u"恒仓宁仓库管理系统 Ver:"_s + gVersion;
+}
+
 void ApplyRights()
 {
     LoadCompany();
     MForm& window = MForm::get();
-    window.setCaption(u"恒仓宁仓库管理系统 Ver:"_s + gVersion + u' ' + gCompanyName);
+    window.setCaption(mainCaption() + u' ' + gCompanyName);
 
     gRights.set(); // first all, so that a change of operator gives back what the one before lacked
     if (!isTopAdministrator()) {
@@ -47,8 +52,11 @@ void ApplyRights()
 void logOut()
 {
     gRights.reset();
-    gOperId.clear();
-    gOperName.clear();
-    MForm::get().setOperator({});
+    for (QString* text : {&gOperId, &gOperName, &gCompanyName, &gCompanyAddr, &gCompanyTel})
+        text->clear();
+    MForm& window = MForm::get();
+    window.setCaption(mainCaption());
+    window.setOperator({});
+    window.setLedgerTip({});
     spreadRights();
 }

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <QString>
+
+/// The main window's caption while nobody is logged in; a login adds the company.
+QString mainCaption();
+
 /// Reads company and rights of the operator in `gOperId` and sets the main menu from them; forms that are open follow.
 /// @throws StoreError: then call `logOut`
 void ApplyRights();

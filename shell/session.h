@@ -3,38 +3,39 @@
 #include "ledger/store.h"
 
 #include <QString>
+
 #include <bitset>
 
 /// The session globals: plain data, read by everybody, written only where it is said.
 
 extern const QString gProgramName; ///< the executable's name, also in the per-user settings
-extern const QString gVersion;   ///< shown in captions, compared with the per-user key `Ver` at exit
-extern QString gAppPath;         ///< the program folder, ends in the platform's separator; written at entry
-extern Database gDB;             ///< the one open ledger; written at entry, by `ZbSet`, by backup and restore
-extern QString gLedgerFile;      ///< full path of the current ledger; written at entry and by `ZbSet`
-extern QString gLedgerName;      ///< its display name; written at entry and by `ZbSet`
+extern const QString gVersion;     ///< shown in captions, compared with the per-user key `Ver` at exit
+extern QString gAppPath;           ///< the program folder, ends in the platform's separator; written at entry
+extern Database gDB;               ///< the one open ledger; written at entry, by `ZbSet`, by backup and restore
+extern QString gLedgerFile;        ///< full path of the current ledger; written at entry and by `ZbSet`
+extern QString gLedgerName;        ///< its display name; written at entry and by `ZbSet`
 
-extern QString gOperId;          ///< account of the operator ("001" may everything); these by `Login`
-extern QString gOperName;        ///< written into documents
+extern QString gOperId;   ///< account of the operator ("001" may everything); these by `Login`
+extern QString gOperName; ///< written into documents
 extern QString gCompanyName;
 extern QString gCompanyAddr;
 extern QString gCompanyTel;
 extern bool gCanSeeCost;
 
-extern QString gYearStart;       ///< first legal document date; written by `LoadYearStart`
+extern QString gYearStart; ///< first legal document date; written by `LoadYearStart`
 
-extern int gNoOverIssue;         ///< the settings of `sysinfo`, IDs 0 to 10; written by `LoadSettings` and `SysFuncSet`
+extern int gNoOverIssue; ///< the settings of `sysinfo`, IDs 0 to 10; written by `LoadSettings` and `SysFuncSet`
 extern int gNoPriceEdit;
 extern int gNoAvgUpdate;
 extern int gNoNegativeQty;
-extern double gSalePriceFactor;  ///< the decimal value of a single-precision number
-extern int gWithMoney;           ///< 0: quantities only
+extern double gSalePriceFactor; ///< the decimal value of a single-precision number
+extern int gWithMoney;          ///< 0: quantities only
 extern int gLowAlarm;
 extern int gHighAlarm;
 extern int gStockEdit001;
 extern int gPriceDecimals;
 extern int gOpeningEdit001;
-extern QString gPriceFormat;     ///< mask made of gPriceDecimals
+extern QString gPriceFormat; ///< mask made of gPriceDecimals
 
 inline constexpr int gOutboundFlagA = 1; ///< on: saving `D1` adds an unknown consignee
 inline constexpr int gOutboundFlagB = 0; ///< off: `D1` prints scheme two on the compact form, not on the ten-row one

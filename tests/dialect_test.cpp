@@ -41,13 +41,16 @@ public:
     QStringList run(const QByteArray& sql, const std::vector<dialect::Binding>& bindings = {},
                     const std::vector<dialect::Literal>& literals = {})
     {
+        std::vector<dialect::Literal> values;
+        for (const dialect::Binding& binding : bindings)
+            values.push_back(dialect::bound(binding, literals));
         sqlite3_stmt* prepared = nullptr;
         QStringList rows;
         if (sqlite3_prepare_v2(database_, sql.constData(), -1, &prepared, nullptr) != SQLITE_OK)
             return {error()};
         int parameter = 0;
-        for (const dialect::Binding& binding : bindings)
-            bind(prepared, ++parameter, dialect::bound(binding, literals));
+        for (const dialect::Literal& value : values)
+            bind(prepared, ++parameter, value);
         int result = SQLITE_ROW;
         while ((result = sqlite3_step(prepared)) == SQLITE_ROW) {
             QStringList fields;

@@ -106,8 +106,9 @@ private slots:
     {
         ledger_ = std::make_unique<LedgerFixture>();
         boxes_ = std::make_unique<ScriptedDialogs>();
-        for (const char16_t* goods : {u"'A1','六角螺栓','001','个','M8',2,3,10", u"'A2','平垫圈','001','片','8',0.5,1,100",
-                                      u"'A3','电缆','001','米','BVR 2.5',4,6,0"})
+        for (const char16_t* goods :
+             {u"'A1','六角螺栓','001','个','M8',2,3,10", u"'A2','平垫圈','001','片','8',0.5,1,100",
+              u"'A3','电缆','001','米','BVR 2.5',4,6,0"})
             ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F7,F71,F8) values ("_s + QString::fromUtf16(goods) + u')');
         resetSession();
         gDB = ledger_->open();
@@ -144,20 +145,20 @@ private slots:
         QTest::addColumn<QList<double>>("unaudited"); // from the same state
         using enum DocumentKind;
         using L = QList<double>;
-        QTest::newRow("in: worked example") << B1 << L{10, 2, 3} << L{30, 3} << true << 1.5 << L{40, 2.75, 4.125}
-                                            << L{-20, 3.5, 5.25};
+        QTest::newRow("in: worked example")
+            << B1 << L{10, 2, 3} << L{30, 3} << true << 1.5 << L{40, 2.75, 4.125} << L{-20, 3.5, 5.25};
         QTest::newRow("in: no factor") << B1 << L{10, 2, 3} << L{30, 3} << true << 0.0 << L{40, 2.75, 3}
                                        << L{-20, 3.5, 3};
-        QTest::newRow("in: cost kept by setting") << B1 << L{10, 2, 3} << L{30, 3} << false << 1.5 << L{40, 2, 3}
-                                                  << L{-20, 2, 3};
-        QTest::newRow("in: up to exactly nothing") << B1 << L{-5, 2, 3} << L{5, 9} << true << 2.0 << L{0, 2, 3}
-                                                   << L{-10, 5.5, 11};
-        QTest::newRow("return: takes its price out") << B3 << L{40, 2.75, 3} << L{10, 3.5} << true << 0.0
-                                                     << L{30, 2.5, 3} << L{50, 2.9, 3};
-        QTest::newRow("return: down to nothing") << B3 << L{10, 2, 3} << L{10, 9} << true << 1.0 << L{0, 2, 3}
-                                                 << L{20, 5.5, 5.5};
-        QTest::newRow("out: below nothing") << D1 << L{10, 2, 3} << L{12, 99} << true << 1.5 << L{-2, 2, 3}
-                                            << L{22, 2, 3};
+        QTest::newRow("in: cost kept by setting")
+            << B1 << L{10, 2, 3} << L{30, 3} << false << 1.5 << L{40, 2, 3} << L{-20, 2, 3};
+        QTest::newRow("in: up to exactly nothing")
+            << B1 << L{-5, 2, 3} << L{5, 9} << true << 2.0 << L{0, 2, 3} << L{-10, 5.5, 11};
+        QTest::newRow("return: takes its price out")
+            << B3 << L{40, 2.75, 3} << L{10, 3.5} << true << 0.0 << L{30, 2.5, 3} << L{50, 2.9, 3};
+        QTest::newRow("return: down to nothing")
+            << B3 << L{10, 2, 3} << L{10, 9} << true << 1.0 << L{0, 2, 3} << L{20, 5.5, 5.5};
+        QTest::newRow("out: below nothing")
+            << D1 << L{10, 2, 3} << L{12, 99} << true << 1.5 << L{-2, 2, 3} << L{22, 2, 3};
         QTest::newRow("back in") << D3 << L{10, 2, 3} << L{4, 99} << true << 1.5 << L{14, 2, 3} << L{6, 2, 3};
     }
 
@@ -236,9 +237,11 @@ private slots:
         form.listAll({});
         QCOMPARE(form.GD->TextMatrix(1, 4), u"王小敏"_s);
         const bool inbound = kind == DocumentKind::B1;
-        boxes_->expect(inbound ? u"如果这批已审核入库的货品已经出库，\n\n撤销审核操作可能会造成库存货品数据出现负数！\n\n真的要继续吗？"_s
-                               : u"撤销审核操作将对库存货品进行更新，\n\n请小心操作！\n\n真的要继续吗？"_s,
-                       Answer::Yes);
+        boxes_->expect(
+            inbound
+                ? u"如果这批已审核入库的货品已经出库，\n\n撤销审核操作可能会造成库存货品数据出现负数！\n\n真的要继续吗？"_s
+                : u"撤销审核操作将对库存货品进行更新，\n\n请小心操作！\n\n真的要继续吗？"_s,
+            Answer::Yes);
         run(form, "Menu_noOK");
         QCOMPARE(stock(u"A1"_s), back);
         QCOMPARE(ledger_->row(u"select F6 from "_s + header), QString());
@@ -515,7 +518,8 @@ private slots:
         boxes_->expect(u"相同的货品编码已经存在！"_s);
         QVERIFY(!type(2, u"a1"_s));
         QCOMPARE(grid.TextMatrix(2, 0), u"O'RING"_s);
-        boxes_->expect(u"货品资料库中不存在这个货品编码！\n请在顶部“货品编码”栏输入模糊查找条件，并点击“？”按钮查找系统中存在的货品编码，\n或在基础数据中增加新的货品资料！"_s);
+        boxes_->expect(
+            u"货品资料库中不存在这个货品编码！\n请在顶部“货品编码”栏输入模糊查找条件，并点击“？”按钮查找系统中存在的货品编码，\n或在基础数据中增加新的货品资料！"_s);
         QVERIFY(!type(2, u"nothing"_s));
         QVERIFY(type(2, u"a3"_s));
         QCOMPARE(grid.TextMatrix(2, 0), u"A3"_s);
@@ -634,7 +638,8 @@ private slots:
         {
             const WriteRun run(ledger_->second());
             for (int i = 0; i < goods; ++i)
-                ledger_->run(u"insert into TA4 (F1,F2,F5,F4,F8) values ('Q%1','n','m','个',7)"_s.arg(i, 4, 10, QChar(u'0')));
+                ledger_->run(
+                    u"insert into TA4 (F1,F2,F5,F4,F8) values ('Q%1','n','m','个',7)"_s.arg(i, 4, 10, QChar(u'0')));
         }
         DocumentForm& form = open(DocumentKind::B1);
         run(form, "Menu_Add");
@@ -686,7 +691,8 @@ private slots:
     {
         DocumentForm& form = open(DocumentKind::B1);
         run(form, "Menu_Add");
-        boxes_->expect(u"正在有数据被编辑,现在退出会造成本次编辑的数据丢失。\n\n请您首先点击<保存>或<取消>菜单结束本次编辑。"_s);
+        boxes_->expect(
+            u"正在有数据被编辑,现在退出会造成本次编辑的数据丢失。\n\n请您首先点击<保存>或<取消>菜单结束本次编辑。"_s);
         run(form, "Menu_Return");
         QVERIFY(Form::loaded(u"B1"_s));
         run(form, "Menu_cancel");
@@ -697,9 +703,9 @@ private slots:
     void theListIsInOrderOfTime()
     {
         ledger_->run(u"insert into TA1 (F1,F2) values ('G2','二')"_s);
-        for (const QString& row : {u"'R1','2004-9-30','001','2004-9-30 10:05:03'"_s,
-                                   u"'R2','2004-10-1','G2','2004-10-1 9:05:03'"_s,
-                                   u"'R3','2004-10-1','gone','2004-10-1 10:05:03'"_s})
+        for (const QString& row :
+             {u"'R1','2004-9-30','001','2004-9-30 10:05:03'"_s, u"'R2','2004-10-1','G2','2004-10-1 9:05:03'"_s,
+              u"'R3','2004-10-1','gone','2004-10-1 10:05:03'"_s})
             ledger_->run(u"insert into TB1 (F1,F2,F3,H8) values ("_s + row + u')');
         DocumentForm& form = open(DocumentKind::B1);
         QCOMPARE(form.GD->Rows(), 3); // R3's partner is gone

@@ -235,6 +235,10 @@ void StoreTest::oneShapeWithManyLiterals()
         QCOMPARE(LookupValue(database, u"select F2 as a"_s + n + u" from TA1 where F1="_s + sqlText(n)), u'n' + n);
     }
     QCOMPARE(LookupValue(database, u"select F2 as a0 from TA1 where F1='0'"_s), u"n0"_s);
+    database.Execute(u"update TA2 set F2='9'"_s);
+    database.Execute(u"insert into TA2 (F1,F2) values ('A','1')"_s);
+    QCOMPARE(LookupValue(database, u"select F1,F2 from TA2 order by 1"_s), u"001"_s);
+    QCOMPARE(LookupValue(database, u"select F1,F2 from TA2 order by 2"_s), u"A"_s); // no value: it names a column
 }
 
 void StoreTest::recordsetWalks()
@@ -443,6 +447,7 @@ void StoreTest::failedManyRowStatementLeavesNoRow()
         database.Execute(u"update c15set set A3='new',A4=datediff('d','2004-1-1',D1)"_s);
     });
     QCOMPARE(failure.value().kind(), Kind::Value);
+    QVERIFY2(failure->description().startsWith(u"“不是日期”不是有效的日期"_s), failure->what());
     QCOMPARE(ledger.rows(u"select A3 from c15set where A3='new'"_s), QStringList());
     QCOMPARE(ledger.value(u"select F1 from TA3 where F1='before'"_s), u"before"_s);
 }

@@ -694,7 +694,10 @@ private slots:
         combo->addItems({u"GH001.甲乙五金"_s, u"K07X.丙丁"_s});
         combo->setCurrentIndex(-1);
         combo->show();
+        combo->activateWindow();
         combo->setFocus();
+        MainWindow::settle(); // only a field with the focus completes
+        QVERIFY(combo->hasFocus());
         typeText(combo.get(), u"k07"_s);
         QCOMPARE(combo->currentText(), u"k07"_s);
         QTest::keyClick(combo.get(), Qt::Key_Return);

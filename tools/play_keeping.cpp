@@ -156,7 +156,7 @@ void Player::addFolder()
             fail(u"a file that isn't in use"_s, u"the open ledger "_s + path);
     };
     handlers_[u"set-up"_s] = [this, needNotOpen](const Line& line, int) {
-        const QString from = QFileInfo(order_.script).dir().absoluteFilePath(localPath(line.operands[1]));
+        const QString from = QFileInfo(order_.scriptFile).dir().absoluteFilePath(localPath(line.operands[1]));
         const QString to = inProgramFolder(line.operands[0]);
         if (!QFileInfo(from).isFile())
             fail(u"the file "_s + from, u"none"_s);
@@ -218,8 +218,12 @@ bool Player::playBeside(const QString& path, int phase)
 {
     if (phase == 0) {
         WorkerOrder order = order_;
-        order.script = QDir::cleanPath(QFileInfo(order_.script).dir().filePath(localPath(path)));
-        const auto script = readScript(order.script);
+        const auto beside = [&path](const QString& script) {
+            return QDir::cleanPath(QFileInfo(script).dir().filePath(localPath(path)));
+        };
+        order.script = beside(order_.script);
+        order.scriptFile = beside(order_.scriptFile);
+        const auto script = readScript(order.scriptFile, order.script);
         if (const auto* fault = std::get_if<QString>(&script))
             fail(u"a script to play beside"_s, *fault);
         order.sessionFolder += u"/beside%1"_s.arg(played_);

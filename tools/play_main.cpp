@@ -69,7 +69,7 @@ std::optional<Options> readOptions(const QStringList& arguments)
 /// Plays one script in a scratch folder. @return its exit status
 int playOne(const QString& path, const Options& options)
 {
-    const auto script = readScript(path);
+    const auto script = readScript(path, path);
     if (const auto* fault = std::get_if<QString>(&script)) {
         printFault(*fault);
         return BadArguments;
@@ -80,8 +80,12 @@ int playOne(const QString& path, const Options& options)
         printFault(u"play: no scratch folder: "_s + scratch.errorString());
         return 1;
     }
-    WorkerOrder order{path, QFileInfo(options.app).absoluteFilePath(), folder.filePath(u"session"_s),
-                      QFileInfo(options.shots).absoluteFilePath(), options.trace};
+    WorkerOrder order{path,
+                      QFileInfo(path).absoluteFilePath(),
+                      QFileInfo(options.app).absoluteFilePath(),
+                      folder.filePath(u"session"_s),
+                      QFileInfo(options.shots).absoluteFilePath(),
+                      options.trace};
     if (options.app.isEmpty()) {
         order.programFolder = folder.filePath(u"program"_s);
         const QString fault = copyProgramFolder(QCoreApplication::applicationDirPath(), order.programFolder);

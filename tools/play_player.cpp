@@ -224,7 +224,7 @@ int playAsWorker(int argc, char* argv[])
     qInstallMessageHandler(passMessage);
     QApplication application(argc, argv);
     const WorkerOrder order = WorkerOrder::fromArguments(QApplication::arguments().mid(1));
-    auto script = readScript(order.script);
+    auto script = readScript(order.scriptFile, order.script);
     if (const auto* fault = std::get_if<QString>(&script)) {
         printFault(*fault);
         return Failed;

@@ -212,18 +212,18 @@ std::variant<std::optional<Line>, QString> readLine(const QString& source, int n
     return std::optional<Line>(line);
 }
 
-std::variant<Script, QString> readScript(const QString& path)
+std::variant<Script, QString> readScript(const QString& path, const QString& name)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return path + u":0: expected a script, got "_s + file.errorString();
+        return name + u":0: expected a script, got "_s + file.errorString();
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(file.readAll());
     if (decoder.hasError())
-        return path + u":0: expected UTF-8 text, got other bytes"_s;
+        return name + u":0: expected UTF-8 text, got other bytes"_s;
 
     Script script;
-    script.path = path;
+    script.name = name;
     QStringList sources = text.split(u'\n');
     if (sources.last().isEmpty())
         sources.removeLast();
@@ -232,7 +232,7 @@ std::variant<Script, QString> readScript(const QString& path)
             source.chop(1);
         const auto read = readLine(source, ++script.lastNumber);
         if (const auto* fault = std::get_if<QString>(&read))
-            return path + u':' + QString::number(script.lastNumber) + u": "_s + *fault;
+            return name + u':' + QString::number(script.lastNumber) + u": "_s + *fault;
         if (const auto& line = std::get<0>(read))
             script.lines += *line;
     }

@@ -22,13 +22,14 @@ struct Line
 
 struct Script
 {
-    QString path;
+    QString name;
     QList<Line> lines;
     int lastNumber = 0; ///< of the file's last line
 };
 
-/// A script, or the one line that says what is wrong with it: "SCRIPT:LINE: expected ..., got ...".
-std::variant<Script, QString> readScript(const QString& path);
+/// A script under the name that it is told by, or the one line that says what is wrong with it: "SCRIPT:LINE: expected
+/// ..., got ...".
+std::variant<Script, QString> readScript(const QString& path, const QString& name);
 /// Reads one line; nothing for blank and comment lines.
 /// @return the line, or what was expected and what stands there
 std::variant<std::optional<Line>, QString> readLine(const QString& source, int number);

@@ -28,6 +28,7 @@ Session::Session(const WorkerOrder& order, const QString& prefix, QObject* paren
 {
     worker_.setProgram(QCoreApplication::applicationFilePath());
     worker_.setArguments(order_.arguments());
+    worker_.setWorkingDirectory(order_.programFolder);
     worker_.setProcessChannelMode(prefix_.isEmpty() ? QProcess::ForwardedChannels : QProcess::SeparateChannels);
     // The toolkit wants a place for its sockets that nobody else can enter.
     QFile::setPermissions(order_.sessionFolder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

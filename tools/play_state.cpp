@@ -53,13 +53,13 @@ void print(FILE* stream, const QString& text)
 
 QStringList WorkerOrder::arguments() const
 {
-    return {u"--worker"_s, script, programFolder, sessionFolder, shots, trace ? u"trace"_s : u"quiet"_s};
+    return {u"--worker"_s, script, scriptFile, programFolder, sessionFolder, shots, trace ? u"trace"_s : u"quiet"_s};
 }
 
 WorkerOrder WorkerOrder::fromArguments(const QStringList& arguments)
 {
-    return {arguments.value(1), arguments.value(2), arguments.value(3), arguments.value(4),
-            arguments.value(5) == u"trace"};
+    return {arguments.value(1), arguments.value(2), arguments.value(3),
+            arguments.value(4), arguments.value(5), arguments.value(6) == u"trace"};
 }
 
 bool SessionState::save(const QString& sessionFolder) const

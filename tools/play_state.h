@@ -17,8 +17,9 @@ enum ExitStatus { Held = 40, Failed = 41, HandOver = 42 };
 /// What the driver tells a worker.
 struct WorkerOrder
 {
-    QString script;
-    QString programFolder;
+    QString script; ///< as it was named, for the telling
+    QString scriptFile;
+    QString programFolder; ///< the worker's working folder, so that a command line can name a ledger in it
     QString sessionFolder; ///< outside the program folder: settings, and what passes from one worker to the next
     QString shots;
     bool trace = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+
 #include <optional>
 
 /// The only source of the present. Tests and `play` make it stand still.

@@ -79,8 +79,9 @@ QString dateText(QDate date)
 QString momentText(const QDateTime& moment)
 {
     const QTime time = moment.time();
-    return dateText(moment.date()) +
-           u" %1:%2:%3"_s.arg(time.hour()).arg(time.minute(), 2, 10, QChar(u'0')).arg(time.second(), 2, 10, QChar(u'0'));
+    return dateText(moment.date()) + u" %1:%2:%3"_s.arg(time.hour())
+                                         .arg(time.minute(), 2, 10, QChar(u'0'))
+                                         .arg(time.second(), 2, 10, QChar(u'0'));
 }
 
 std::optional<qint64> DateDiff(QStringView a, QStringView b)

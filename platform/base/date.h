@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+
 #include <optional>
 
 /// Dates are text, "2004-1-1" without padding; a moment is "2004-1-1 9:05:03". These texts are stored and compared.

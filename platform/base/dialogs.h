@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -48,7 +49,7 @@ public:
     virtual Answer show(const Box& box) = 0;
     virtual std::optional<QString> input(const InputRequest& request) = 0;     ///< nothing on cancel
     virtual std::optional<QString> chooseFile(const FileRequest& request) = 0; ///< a full path; nothing on cancel
-    virtual void doEvents() = 0;                                                ///< one turn of the message loop
+    virtual void doEvents() = 0;                                               ///< one turn of the message loop
 };
 
 void setDialogHost(std::unique_ptr<DialogHost> host);

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+
 #include <optional>
 
 /// Paths as the business rules write them hold "\" on every platform; here they meet the file system.

@@ -19,7 +19,8 @@ Decimal decimalOf(double x, int significant)
 {
     std::array<char, 40> buffer{};
     const auto end =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), x, std::chars_format::scientific, significant - 1).ptr;
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), x, std::chars_format::scientific, significant - 1)
+            .ptr;
     const std::string_view text(buffer.data(), size_t(end - buffer.data()));
     const size_t e = text.find('e');
     Decimal result;
@@ -156,7 +157,9 @@ QString Format(double x, QStringView mask)
     }
     while (!d.digits.empty() && d.digits.back() == '0')
         d.digits.pop_back();
-    const auto digit = [&d](int index) { return index >= 0 && index < int(d.digits.size()) ? d.digits[size_t(index)] : '0'; };
+    const auto digit = [&d](int index) {
+        return index >= 0 && index < int(d.digits.size()) ? d.digits[size_t(index)] : '0';
+    };
 
     std::string text = d.negative && !d.digits.empty() ? "-" : "";
     const int whole = d.digits.empty() ? 0 : std::max(d.pointAt, 0);
@@ -182,7 +185,8 @@ double singleValue(double x)
 {
     const float single = float(x);
     std::array<char, 40> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), single).ptr; // shortest that is this float
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), single).ptr; // shortest that is this float
     double result = 0;
     std::from_chars(buffer.data(), end, result);
     return std::isfinite(result) ? result : 0;

@@ -9,7 +9,8 @@
 QString plainText(double x);
 
 /// The leading number of a text, 0 if there is none. Blanks before it are skipped; full-width digits, sign and point
-/// ("－１２．５") count as plain ones; an exponent is read ("1E-06"). A number beyond the range of a double counts as 0.
+/// ("－１２．５") count as plain ones; an exponent is read ("1E-06"). A number beyond the range of a double counts as
+/// 0.
 double Val(QStringView text);
 
 /// A number by a mask of `#`, `0` and `.`, such as "#0.00" or "#00000": rounded on its decimal text, halves away from

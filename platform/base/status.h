@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <functional>
 
 /// The status panels of the main window, for procedures that know no window. Panels count from 1.

@@ -3,6 +3,7 @@
 #include "platform/base/number.h"
 
 #include <QString>
+
 #include <variant>
 
 /// One field as the store returned it: Null, number or text. The conversions between them live here only.
@@ -10,8 +11,12 @@ class Value
 {
 public:
     Value() = default; ///< Null
-    Value(double number) : held_(number) {}
-    Value(QString text) : held_(std::move(text)) {}
+    Value(double number)
+        : held_(number)
+    {}
+    Value(QString text)
+        : held_(std::move(text))
+    {}
 
     bool isNull() const { return std::holds_alternative<std::monostate>(held_); }
     bool isNumber() const { return std::holds_alternative<double>(held_); }

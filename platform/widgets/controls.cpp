@@ -257,6 +257,7 @@ QLabel* makeBadge(const QString& name)
 {
     QLabel* badge = makeLabel(name, {});
     badge->setAlignment(Qt::AlignCenter);
+    badge->setContentsMargins(11, 4, 11, 4); // not padding of the stylesheet, which a hidden label doesn't count yet
     return badge;
 }
 
@@ -265,6 +266,13 @@ void setBadge(QLabel* badge, const QString& text, BadgeLook look)
     const QString shown = look == BadgeLook::Good ? u"good"_s : u"warning"_s;
     setLookProperty(badge, text.isEmpty() ? QString() : shown);
     badge->setText(text);
+}
+
+void showAsTotal(QLineEdit* edit)
+{
+    setLookProperty(edit, u"total"_s);
+    edit->setReadOnly(true);
+    edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
 
 QFrame* makePanel(const QString& name)
@@ -379,6 +387,15 @@ DatePicker::DatePicker(const QString& name, int index)
     prepareCalendar(calendarWidget());
     connect(calendarWidget(), &QCalendarWidget::clicked, this, &DatePicker::pick);
     connect(calendarWidget(), &QCalendarWidget::activated, this, &DatePicker::pick);
+}
+
+void DatePicker::showAsButton()
+{
+    constexpr int buttonWidth = 24;
+    setLookProperty(this, u"button"_s);
+    lineEdit()->hide();
+    setFixedWidth(buttonWidth);
+    setFocusPolicy(Qt::ClickFocus); // Tab goes from the field beside it to the next one
 }
 
 DatePicker::~DatePicker()

@@ -42,6 +42,8 @@ QRadioButton* makeOption(const QString& name, const QString& caption, int index 
 /// Field: the muted caption of a field. Total: a sum, large and bold. Heading: the title of a box or of a part.
 enum class LabelLook { Plain, Field, Total, Heading };
 void setLook(QLabel* label, LabelLook look);
+/// A sum as a field that is only shown, large and bold at the right.
+void showAsTotal(QLineEdit* edit);
 
 /// A small label that shows a document's state: Good for what is audited, Warning for drafts and entries under way.
 enum class BadgeLook { Good, Warning };
@@ -102,6 +104,8 @@ public:
     /// The date as stored text ("2004-1-1"); setting a text that is no date changes nothing.
     QString text() const;
     void setText(const QString& dateText);
+    /// Shows only the arrow: the date itself stands in the field beside it.
+    void showAsButton();
     /// Shows the calendar under `anchor` without taking the focus, so that typing goes on there; it follows a date
     /// typed there, and goes away when the anchor loses the focus, at Esc, or when a day is clicked, which `picked`
     /// tells.

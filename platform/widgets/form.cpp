@@ -61,7 +61,10 @@ void activateAgain(QWidget* owner)
 
 QWidget* windowInFront()
 {
-    if (QWidget* active = QApplication::activeWindow())
+    // A window that was just closed may still count as active; a form that stood before it would die with it.
+    QWidget* active = QApplication::activeWindow();
+    auto* form = qobject_cast<Form*>(active);
+    if (active && active->isVisible() && (!form || Form::all().contains(form)))
         return active;
     return formArea() ? formArea()->window() : nullptr;
 }
@@ -277,8 +280,12 @@ Form* Form::activeChild()
 void Form::shareLetters(QMenuBar* mainMenu)
 {
     QObject::connect(qApp, &QApplication::focusChanged, mainMenu, [mainMenu] {
+        // The area without a form may have the focus too, and a form gets it before its child window counts as active.
         const QWidget* focus = QApplication::focusWidget();
-        const bool inChild = focus && formArea() && formArea()->isAncestorOf(focus);
+        bool inChild = false;
+        if (focus && formArea() && formArea()->isAncestorOf(focus))
+            for (; focus && focus != formArea() && !inChild; focus = focus->parentWidget())
+                inChild = qobject_cast<const Form*>(focus);
         for (QAction* action : mainMenu->actions())
             setCommandLetterDropped(action, inChild);
     });

@@ -174,6 +174,20 @@ public:
     }
 };
 
+/// The row numbers. The last one is the widest; the toolkit would measure up to 200 of them anew for each added row.
+class RowNumbers : public QHeaderView
+{
+public:
+    explicit RowNumbers(QWidget* parent)
+        : QHeaderView(Qt::Vertical, parent)
+    {}
+
+    QSize sizeHint() const override
+    {
+        return count() == 0 ? QHeaderView::sizeHint() : sectionSizeFromContents(count() - 1);
+    }
+};
+
 /// The editor over a cell. A cell of a number column takes no input method, which only this answer keeps away.
 class CellEdit : public QLineEdit
 {
@@ -206,6 +220,7 @@ Grid::Grid(const QString& name, QWidget* parent)
     TxtEnter->installEventFilter(this);
     connect(TxtEnter, &QLineEdit::returnPressed, this, &Grid::goOn);
 
+    setVerticalHeader(new RowNumbers(this));
     setModel(model_);
     setItemDelegate(new CellPainter(this));
     setSelectionBehavior(SelectRows);

@@ -105,9 +105,11 @@ QMdiArea > QTabBar::tab:selected { padding: 4px 10px 5px 10px; }
 QLabel[look="field"] { color: @mutedText; }
 QLabel[look="total"] { font-size: 15px; font-weight: bold; }
 QLabel[look="heading"] { font-size: 17px; font-weight: bold; }
-QLabel[look="good"], QLabel[look="warning"] { border-radius: 3px; padding: 4px 11px; }
+QLabel[look="good"], QLabel[look="warning"] { border-radius: 3px; }
 QLabel[look="good"] { color: @good; background: @goodGround; border: 1px solid @good; }
 QLabel[look="warning"] { color: @warning; background: @warningGround; border: 1px solid @warning; }
+QLineEdit[look="total"] { font-size: 15px; font-weight: bold; border: none; background: transparent; padding: 0; }
+QDateEdit[look="button"] { padding: 0; min-width: 0; }
 QFrame[look="panel"] { background: @panel; border: 1px solid @lines; border-radius: 3px; }
 QGroupBox { border: 1px solid @lines; border-radius: 3px; margin-top: 9px; padding-top: 8px; }
 QGroupBox::title { subcontrol-origin: margin; left: 9px; padding: 0 3px; color: @mutedText; }

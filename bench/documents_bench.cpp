@@ -1,0 +1,288 @@
+// What the forms cost above the statements that they run: entering, saving and auditing documents, lists, the look-up
+// panel. The forms are driven as an operator drives them, in windows that nobody sees.
+
+#include "bench/beside.h"
+#include "bench/filled_ledger.h"
+#include "documents/document_form.h"
+#include "documents/goods_lookup.h"
+#include "documents/line_entry.h"
+#include "ledger/Module1.h"
+#include "platform/base/clock.h"
+#include "platform/base/dialogs.h"
+#include "platform/widgets/form.h"
+#include "platform/widgets/grid.h"
+#include "platform/widgets/style.h"
+#include "tests/faulty_disk.h"
+#include "tests/memory_desktop.h"
+
+#include <QApplication>
+#include <QLineEdit>
+
+namespace {
+
+/// An operator who says yes. A box that tells a failure ends the program.
+class Agreeing : public DialogHost
+{
+public:
+    Answer show(const Box& box) override
+    {
+        if (box.kind == BoxKind::Error)
+            qFatal("%s", qPrintable(box.text));
+        return box.buttons == BoxButtons::YesNo ? Answer::Yes : Answer::Ok;
+    }
+    std::optional<QString> input(const InputRequest&) override { return {}; }
+    std::optional<QString> chooseFile(const FileRequest&) override { return {}; }
+    void doEvents() override {}
+};
+
+class Session
+{
+public:
+    explicit Session(const Filling& filling)
+        : ledger(filling)
+    {
+        resetSession();
+        gDB = ledger.open();
+        gRights.set();
+        gOperId = u"001"_s;
+        gOperName = u"王小敏"_s;
+        gCanSeeCost = true;
+        LoadSettings();
+        tick();
+    }
+    ~Session()
+    {
+        closeForms();
+        resetSession();
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    DocumentForm& open()
+    {
+        DocumentForm& form = documentForm(DocumentKind::B1);
+        form.Show();
+        QCoreApplication::processEvents();
+        return form;
+    }
+    void closeForms()
+    {
+        for (Form* form : QList<Form*>(Form::all()))
+            form->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    /// An hour later: a month has numbers for 9999 documents only.
+    void tick()
+    {
+        now_ = now_.addSecs(3600);
+        setClock(now_);
+    }
+
+    FaultyDisk disk; // outlives the files on it
+    FilledLedger ledger;
+
+private:
+    QDateTime now_ = QDateTime(QDate(2005, 1, 1), QTime(9, 5, 3));
+};
+
+void run(DocumentForm& form, const char* command)
+{
+    form.command(QString::fromLatin1(command))->trigger();
+}
+
+void enter(DocumentForm& form, int lines)
+{
+    run(form, "Menu_Add");
+    for (int i = 0; i < lines; ++i) {
+        form.lines->TxtHPBM->setText(goodsCode(i * 331 % Filling().goods));
+        form.lines->TxtSL->setText(u"12"_s);
+        form.lines->AddGoodsLine();
+    }
+}
+
+QByteArray numbered(int n)
+{
+    return "BARE" + QByteArray::number(n);
+}
+
+/// A command of the form beside the statements that it runs. The bare statements are the command's own, as translated,
+/// kept prepared, with their values; a recordset's second and third read of its row are left out.
+void besideItsStatements(benchmark::State& state, const std::function<void(DocumentForm&)>& before,
+                         const std::function<void(DocumentForm&)>& command,
+                         const std::function<void(DocumentForm&)>& after)
+{
+    Session session({.documents = 20'000});
+    DocumentForm& form = session.open();
+    BareLedger bare(session.ledger.copy());
+    before(form);
+    Recording recording(gDB.connection().handle(), [&] { command(form); });
+    recording.withoutRereading();
+    QByteArray number = "RK0501010001";
+    after(form);
+
+    std::vector<int> syncs;
+    int turns = 0;
+    {
+        Beside beside(state);
+        for (auto _ : state) {
+            session.tick();
+            before(form);
+            const QByteArray next = numbered(++turns);
+            recording.renumber(number, next);
+            number = next;
+            beside.turn(
+                [&] {
+                    const int before = session.disk.syncs;
+                    command(form);
+                    syncs.push_back(session.disk.syncs - before);
+                },
+                [&] {
+                    for (const BareStatement& statement : recording.statements)
+                        bare.run(statement);
+                });
+            after(form);
+        }
+        state.counters["documents_per_s"] = 1 / beside.ours().clock;
+        state.counters["bare_documents_per_s"] = 1 / beside.bare().clock;
+    }
+    state.counters["syncs"] = *std::max_element(syncs.begin(), syncs.end());
+    state.counters["statements"] = double(recording.statements.size());
+}
+
+void save(DocumentForm& form)
+{
+    run(form, "Menu_save");
+}
+
+void audit(DocumentForm& form)
+{
+    run(form, "Menu_Ok");
+}
+
+void enterThirty(DocumentForm& form)
+{
+    enter(form, 30);
+}
+
+void saveThirtyLines(benchmark::State& state)
+{
+    besideItsStatements(state, enterThirty, save, audit);
+}
+BENCHMARK(saveThirtyLines)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void auditThirtyLines(benchmark::State& state)
+{
+    const auto enterAndSave = [](DocumentForm& form) {
+        enterThirty(form);
+        save(form);
+    };
+    besideItsStatements(state, enterAndSave, audit, [](DocumentForm&) {});
+}
+BENCHMARK(auditThirtyLines)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// Whole documents of ten lines, one after the other, the window painted after each.
+void documentsOfTenLines(benchmark::State& state)
+{
+    const auto nothing = [](DocumentForm&) {};
+    const auto document = [](DocumentForm& form) {
+        enter(form, 10);
+        save(form);
+        audit(form);
+        QCoreApplication::processEvents();
+    };
+    besideItsStatements(state, nothing, document, nothing);
+}
+BENCHMARK(documentsOfTenLines)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// A form with 20,000 drafts, from the menu to the painted window.
+void openList(benchmark::State& state)
+{
+    Session session({.documents = 20'000, .audited = false});
+    BareLedger bare(session.ledger.path());
+    const Recording recording(gDB.connection().handle(), [&] { session.open(); });
+    session.closeForms();
+    Beside beside(state);
+    for (auto _ : state) {
+        beside.turn([&] { session.open(); },
+                    [&] {
+                        for (const BareStatement& statement : recording.statements)
+                            bare.run(statement);
+                    });
+        session.closeForms();
+    }
+}
+BENCHMARK(openList)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The look-up panel over 100,000 goods: all of them (the first 500 are shown), and a prefix.
+void lookUpGoods(benchmark::State& state)
+{
+    Session session({.goods = 100'000});
+    const QString typed = state.range(0) == 0 ? QString() : u"G123"_s;
+    DocumentForm& form = session.open();
+    run(form, "Menu_Add");
+    BareLedger bare(session.ledger.path());
+    const Recording recording(gDB.connection().handle(), [&] { form.lines->lookup->fill(typed); });
+    Beside beside(state);
+    for (auto _ : state) {
+        beside.turn(
+            [&] {
+                form.lines->lookup->fill(typed);
+                QCoreApplication::processEvents();
+            },
+            [&] {
+                for (const BareStatement& statement : recording.statements)
+                    bare.run(statement);
+            });
+    }
+    run(form, "Menu_cancel");
+}
+BENCHMARK(lookUpGoods)->DenseRange(0, 1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// 100,000 rows of eight cells into a grid and on to the screen, beside making the texts alone.
+void fillGrid(benchmark::State& state)
+{
+    const auto texts = [] {
+        QList<QStringList> rows;
+        for (int row = 0; row < 100'000; ++row) {
+            QStringList& cells = rows.emplaceBack();
+            for (int column = 0; column < 8; ++column)
+                cells += QString::number(row * 8 + column);
+        }
+        return rows;
+    };
+    Grid grid(u"GD"_s);
+    QList<GridColumn> columns;
+    for (int column = 0; column < 8; ++column)
+        columns += GridColumn{QString::number(column), 100, column % 2 ? ColumnKind::Number : ColumnKind::Text};
+    grid.setColumns(columns);
+    grid.resize(1200, 700);
+    grid.show();
+    Beside beside(state);
+    for (auto _ : state)
+        beside.turn(
+            [&] {
+                grid.setRows(texts());
+                grid.select(grid.Rows() - 1);
+                QCoreApplication::processEvents();
+            },
+            [&] { benchmark::DoNotOptimize(texts()); });
+}
+BENCHMARK(fillGrid)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    style::apply(application);
+    MemoryDesktop::install();
+    setDialogHost(std::make_unique<Agreeing>());
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    setDialogHost(nullptr);
+    return 0;
+}

@@ -1,0 +1,65 @@
+# Neither an installation nor a build may cost an operator data. Takes -Dbuild=, -Dsource= and -Dscratch=FOLDER.
+cmake_minimum_required(VERSION 3.25)
+
+function(run_cmake)
+  execute_process(COMMAND ${CMAKE_COMMAND} ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "cmake ${ARGN}: ${output}")
+  endif()
+endfunction()
+
+function(expect_text file wanted)
+  file(READ ${file} found)
+  if(NOT found STREQUAL wanted)
+    message(FATAL_ERROR "${file}: expected '${wanted}', got '${found}'")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${scratch})
+
+# A folder made at any prefix is complete.
+set(folder "${scratch}/我的 程序")
+run_cmake(--install ${build} --prefix ${folder})
+foreach(name hcn play vemaro.dat Learn.dat syspic.dat zb.ico)
+  if(NOT EXISTS "${folder}/${name}")
+    message(FATAL_ERROR "The installation lacks ${name}")
+  endif()
+endforeach()
+file(SHA256 ${folder}/vemaro.dat installed)
+file(SHA256 ${build}/template/vemaro.dat pristine)
+if(NOT installed STREQUAL pristine)
+  message(FATAL_ERROR "The installed first ledger isn't the template")
+endif()
+
+# Installing over it keeps what its user has.
+set(own vemaro.dat dbsetup.dat 我的帐本/a.hcn 数据备份/a2004-1-1.hcn abak.set image/101.jpg)
+foreach(name ${own})
+  file(WRITE "${folder}/${name}" "mine")
+endforeach()
+run_cmake(--install ${build} --prefix ${folder})
+foreach(name ${own})
+  expect_text("${folder}/${name}" "mine")
+endforeach()
+
+# The build renews the ledger in its own program folder until somebody works in it.
+set(template ${scratch}/template.dat)
+set(ledger ${scratch}/staged.dat)
+function(stage text)
+  file(WRITE ${template} "${text}")
+  run_cmake(-Dtemplate=${template} -Dledger=${ledger} -P ${source}/cmake/stage_ledger.cmake)
+endfunction()
+stage("first")
+expect_text(${ledger} "first")
+stage("second")
+expect_text(${ledger} "second")
+file(APPEND ${ledger} " and used")
+stage("third")
+expect_text(${ledger} "second and used")
+file(REMOVE ${ledger})
+stage("third")
+expect_text(${ledger} "third")
+file(REMOVE ${template}.staged) # whose ledger that is can't be told then
+stage("fourth")
+expect_text(${ledger} "third")
+
+file(REMOVE_RECURSE ${scratch})
