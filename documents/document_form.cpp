@@ -11,56 +11,12 @@
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
 
-#include <QHBoxLayout>
-#include <QShortcut>
-#include <QStackedWidget>
 #include <QTabBar>
 
 namespace {
 
 constexpr int statusPanelOfForms = 4;
 constexpr int longestNumber = 25;
-
-enum class Shown { Always, Viewing, Entering, Never };
-
-struct CommandRow
-{
-    const char* name;
-    QStringView caption;
-    Shown shown;
-    void (DocumentForm::*run)(); ///< none: it comes with a later version, or has no command
-    bool writes;                 ///< asks for the right of the form's menu
-};
-
-// clang-format off
-constexpr CommandRow commandRows[] = {
-    {"Menu_Add",    u"&A.增加",     Shown::Viewing,  &DocumentForm::Menu_Add,    true},
-    {"Menu_edit",   u"&E.修改",     Shown::Viewing,  &DocumentForm::Menu_edit,   true},
-    {"Menu_del",    u"&D.删除",     Shown::Viewing,  &DocumentForm::Menu_del,    true},
-    {"Menu_Ok",     u"&C.审核",     Shown::Viewing,  &DocumentForm::Menu_Ok,     true},
-    {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
-    {"Menu_query",  u"&Q.查找",     Shown::Viewing,  nullptr,                    false},
-    {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr,                    false},
-    {"Menu_print",  u"&P.打印",     Shown::Viewing,  nullptr,                    false},
-    {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
-    {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel, false},
-    {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return, false},
-};
-// clang-format on
-
-QString quotedList(const QStringList& values)
-{
-    QStringList quoted;
-    for (const QString& value : values)
-        quoted += sqlText(value);
-    return quoted.join(u',');
-}
-
-/// A cell of a tab-separated row: a tab that was pasted into a text must not become a column.
-QString withoutTabs(QString text)
-{
-    return text.replace(u'\t', u' ');
-}
 
 } // namespace
 
@@ -73,36 +29,17 @@ DocumentForm& documentForm(DocumentKind kind)
 }
 
 DocumentForm::DocumentForm(const DocumentTraits& kind)
-    : Form(kind.form.toString(), kind.title.toString())
+    : ListDetailForm(kind.form.toString(), kind.title.toString(), kind.listName() + u"列表"_s,
+                     kind.listName() + u"明细"_s)
     , kind_(kind)
 {
     buildCommands();
-    TabS = new QTabBar;
-    TabS->setObjectName(u"TabS"_s);
-    TabS->addTab(kind_.listName() + u"列表"_s);
-    TabS->addTab(kind_.listName() + u"明细"_s);
-    TabS->setFocusPolicy(Qt::StrongFocus);
-    TabS->setExpanding(false);
-    badge_ = makeBadge(u"LabState"_s);
-    TabS->setDrawBase(false);
-    auto* head = makeRow({TabS, nullptr, badge_});
-
-    pages_ = new QStackedWidget;
     buildList();
     buildDetail();
-    body_ = new QWidget;
-    auto* body = new QVBoxLayout(body_);
-    body->setContentsMargins(0, 0, 0, 0);
-    body->setSpacing(0);
-    body->addLayout(head);
-    body->addWidget(pages_, 1);
-    barred_ = makeLabel(u"LabBarred"_s, QString());
-    barred_->setAlignment(Qt::AlignCenter);
-    content()->addWidget(body_, 1);
-    content()->addWidget(barred_, 1);
-
-    connect(TabS, &QTabBar::currentChanged, this, [this](int tab) { runCommand([&] { tabChanged(tab); }); });
-    buildShortcuts();
+    addKey(Qt::Key_F2, [this] {
+        if (Edstu != Viewing && lines->endEdit())
+            lines->focusCode();
+    });
     fillPartners();
     listDrafts();
     updateState();
@@ -110,16 +47,39 @@ DocumentForm::DocumentForm(const DocumentTraits& kind)
 
 void DocumentForm::buildCommands()
 {
-    for (const CommandRow& row : commandRows) {
-        QAction* action = addCommand(QString::fromLatin1(row.name), row.caption.toString(), [this, &row] {
-            if (row.run && (!row.writes || requireRight(kind_.right)))
-                (this->*row.run)();
-        });
-        if (!row.run) {
-            action->setEnabled(false);
-            if (row.shown != Shown::Never)
-                action->setToolTip(u"尚未提供"_s);
-        }
+    struct Row
+    {
+        const char* name;
+        QStringView caption;
+        Shown shown;
+        void (DocumentForm::*run)(); ///< none: it comes with a later version, or has no command
+        bool writes = false;         ///< asks for the right of the form's menu
+    };
+    // clang-format off
+    static constexpr Row rows[] = {
+        {"Menu_Add",    u"&A.增加",     Shown::Viewing,  &DocumentForm::Menu_Add,    true},
+        {"Menu_edit",   u"&E.修改",     Shown::Viewing,  &DocumentForm::Menu_edit,   true},
+        {"Menu_del",    u"&D.删除",     Shown::Viewing,  &DocumentForm::Menu_del,    true},
+        {"Menu_Ok",     u"&C.审核",     Shown::Viewing,  &DocumentForm::Menu_Ok,     true},
+        {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
+        {"Menu_query",  u"&Q.查找",     Shown::Viewing,  nullptr},
+        {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr},
+        {"Menu_print",  u"&P.打印",     Shown::Viewing,  nullptr},
+        {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
+        {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel},
+        {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        std::function<void()> run;
+        if (row.run)
+            run = [this, &row] {
+                if (!row.writes || requireRight(kind_.right))
+                    (this->*row.run)();
+            };
+        QAction* action = addModeCommand(QString::fromLatin1(row.name), row.caption.toString(), row.shown, run);
+        if (row.writes)
+            writing_ += action;
     }
     if (kind_.templates == Templates::Hidden) {
         QMenu* board = addCommandMenu(u"Menu_Board"_s, u"&B.模板"_s);
@@ -133,7 +93,6 @@ void DocumentForm::buildCommands()
 
 void DocumentForm::buildList()
 {
-    GD = new Grid(u"GD"_s);
     GD->setColumns({{kind_.word + u"单号"_s, 130},
                     {kind_.word + u"日期"_s, 92},
                     {kind_.partner.toString(), 220},
@@ -144,17 +103,6 @@ void DocumentForm::buildList()
                     {kind_.lastColumn.toString(), 110}});
     GD->rememberWidths(kind_.form + u"/GD"_s);
     GD->clearRows();
-    auto* page = makePanel(u"PageList"_s);
-    auto* layout = new QVBoxLayout(page);
-    layout->addWidget(GD);
-    pages_->addWidget(page);
-
-    connect(GD, &Grid::currentRowChanged, this, [this](int row) {
-        listRow_ = qMax(row, 1);
-        updateStatus();
-        updateBadge();
-    });
-    connect(GD, &Grid::activatedRow, this, [this](int) { TabS->setCurrentIndex(DetailTab); });
 }
 
 void DocumentForm::buildDetail()
@@ -196,13 +144,10 @@ void DocumentForm::buildDetail()
     showAsTotal(Txt[Total]);
     Txt[Total]->setFixedWidth(160);
 
-    auto* page = makePanel(u"PageDetail"_s);
-    auto* layout = new QVBoxLayout(page);
-    layout->addLayout(fields);
-    layout->addWidget(lines, 1);
-    layout->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
-    pages_->addWidget(page);
-    Txt[Partner]->setParent(page);
+    detailPage()->addLayout(fields);
+    detailPage()->addWidget(lines, 1);
+    detailPage()->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
+    Txt[Partner]->setParent(this);
     Txt[Partner]->hide(); // the partner's name; on screen it stands in the list entry
 
     onFocusIn(Txt[Date], [this] {
@@ -243,7 +188,7 @@ void DocumentForm::listAll(const QString& condition)
 {
     allDocuments_ = true;
     condition_ = condition;
-    TabS->setCurrentIndex(ListTab);
+    showTab(ListTab);
     loadList();
 }
 
@@ -270,71 +215,40 @@ void DocumentForm::loadList()
         }
         rows += row;
     }
-    if (rows.isEmpty())
-        GD->clearRows();
-    else
-        GD->setRows(std::move(rows));
-    selectListRow(listRow_);
+    fillList(std::move(rows));
 }
 
-/// The current row, kept within the list.
-void DocumentForm::selectListRow(int row)
+void DocumentForm::refresh()
 {
-    listRow_ = qBound(1, row, qMax(GD->Rows() - 1, 1));
-    GD->select(listRow_);
+    loadList();
+    if (onDetail())
+        loadDetail();
+}
+
+void DocumentForm::rowChanged()
+{
     updateStatus();
     updateBadge();
 }
 
-void DocumentForm::removeListRow(int row)
+/// The saved document as a row of the list, in the place of its old one.
+void DocumentForm::listSaved(const QString& partnerCode)
 {
-    if (GD->Rows() >= 3)
-        GD->RemoveItem(row);
-    else
-        GD->clearRows();
-}
-
-void DocumentForm::addListRow(const QString& partnerCode)
-{
+    if (Edstu == Editing)
+        removeListRow(listRow());
     const QString total = gWithMoney != 0 ? Format(Val(Txt[Total]->text()), u"#0.00") : Txt[Total]->text();
-    const bool first = listEmpty();
-    QStringList cells{Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(),
-                      Txt[Clerk]->text(),  QString(),         total,
-                      Txt[Remark]->text(), partnerCode};
-    for (QString& cell : cells)
-        cell = withoutTabs(cell);
-    GD->AddItem(cells.join(u'\t'));
-    if (first)
-        GD->RemoveItem(1);
-    selectListRow(GD->Rows() - 1);
-}
-
-QString DocumentForm::listCell(int column) const
-{
-    return GD->TextMatrix(listRow_, column);
-}
-
-bool DocumentForm::listEmpty() const
-{
-    return Trim(GD->TextMatrix(1, Number)).isEmpty();
-}
-
-bool DocumentForm::onDetail() const
-{
-    return TabS->currentIndex() == DetailTab;
+    addListRow({Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(), Txt[Clerk]->text(), QString(), total,
+                Txt[Remark]->text(), partnerCode});
 }
 
 // The detail ----------------------------------------------------------------------------------------------------------
 
-void DocumentForm::tabChanged(int tab)
+void DocumentForm::tabChanged(Tab tab)
 {
-    pages_->setCurrentIndex(tab);
-    if (Edstu != Viewing)
-        return;
     if (tab == DetailTab)
         loadDetail();
     else
-        selectListRow(listRow_);
+        selectListRow(listRow());
     updateStatus();
 }
 
@@ -365,7 +279,6 @@ void DocumentForm::clearDetail()
 void DocumentForm::enter(Mode mode)
 {
     Edstu = mode;
-    TabS->setCurrentIndex(DetailTab);
     lines->setEntering(true, ReservedNo);
     updateState();
 }
@@ -384,16 +297,11 @@ void DocumentForm::updateState()
 {
     const bool entering = Edstu != Viewing;
     const bool allowed = hasRight(kind_.right);
-    for (const CommandRow& row : commandRows) {
-        QAction* action = command(QString::fromLatin1(row.name));
-        bool shown = row.shown == Shown::Always || (row.shown == Shown::Entering) == entering;
-        if (row.shown == Shown::Never || (row.run == &DocumentForm::Menu_noOK && !isTopAdministrator()))
-            shown = false;
-        setCommandVisible(action, shown);
-        if (row.run)
-            action->setEnabled(allowed || !row.writes);
-    }
-    TabS->setEnabled(!entering);
+    showMode();
+    for (QAction* action : writing_)
+        action->setEnabled(allowed);
+    if (!isTopAdministrator())
+        setCommandVisible(command(u"Menu_noOK"_s), false);
     for (const int i : {Number, Date, Remark})
         setLocked(Txt[i], !entering);
     for (const int i : {Partner, Clerk, Auditor, Total})
@@ -401,9 +309,7 @@ void DocumentForm::updateState()
     CmbLB->setEnabled(entering);
     DTP1->setEnabled(entering);
     // An operator who may not see these documents sees none of them, also in a form that another one opened.
-    body_->setVisible(allowed);
-    barred_->setVisible(!allowed);
-    barred_->setText(u"当前操作员没有“%1”权限，不能查看%2。"_s.arg(rightName(kind_.right), kind_.title));
+    setBarred(allowed ? QString() : u"当前操作员没有“%1”权限，不能查看%2。"_s.arg(rightName(kind_.right), kind_.title));
     const bool prices = gWithMoney != 0;
     GD->SetTextMatrix(0, Total, prices ? u"金额"_s : u"数量"_s);
     Lab[Total]->setText(prices ? u"金额合计"_s : u"数量合计"_s);
@@ -423,7 +329,7 @@ void DocumentForm::updateStatus()
                    : u"%1明细：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(count).arg(qMax(lines->currentRow(), 1));
     } else {
         text = listEmpty() ? u"无单据信息"_s
-                           : u"%1列表：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(GD->Rows() - 1).arg(listRow_);
+                           : u"%1列表：共 %2 条记录 当前为第 %3 条"_s.arg(name).arg(GD->Rows() - 1).arg(listRow());
     }
     setStatusPanel(statusPanelOfForms, text);
 }
@@ -431,13 +337,13 @@ void DocumentForm::updateStatus()
 void DocumentForm::updateBadge()
 {
     if (Edstu != Viewing)
-        setBadge(badge_, u"录入中"_s, BadgeLook::Warning);
+        setState(u"录入中"_s, BadgeLook::Warning);
     else if (listEmpty())
-        setBadge(badge_, QString(), BadgeLook::Warning);
+        setState(QString(), BadgeLook::Warning);
     else if (Trim(listCell(Auditor)).isEmpty())
-        setBadge(badge_, u"未审核"_s, BadgeLook::Warning);
+        setState(u"未审核"_s, BadgeLook::Warning);
     else
-        setBadge(badge_, u"已审核"_s, BadgeLook::Good);
+        setState(u"已审核"_s, BadgeLook::Good);
 }
 
 void DocumentForm::sessionChanged()
@@ -456,33 +362,6 @@ bool DocumentForm::queryUnload()
 void DocumentForm::unloaded()
 {
     LedgerStatus();
-}
-
-QWidget* DocumentForm::firstFocus()
-{
-    return onDetail() ? static_cast<QWidget*>(TabS) : GD;
-}
-
-/// F5 reads the list anew; while a document is entered, F2 leads to the code box.
-void DocumentForm::buildShortcuts()
-{
-    const auto onKey = [this](Qt::Key key, std::function<void()> run) {
-        auto* shortcut = new QShortcut(QKeySequence(key), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-        connect(shortcut, &QShortcut::activated, this, [run = std::move(run)] { runCommand(run); });
-    };
-    onKey(Qt::Key_F5, [this] {
-        if (Edstu != Viewing)
-            return;
-        loadList();
-        if (onDetail())
-            loadDetail();
-    });
-    onKey(Qt::Key_F2, [this] {
-        if (Edstu == Viewing || !lines->endEdit())
-            return;
-        lines->TxtHPBM->setFocus();
-        lines->TxtHPBM->selectAll();
-    });
 }
 
 // Commands ------------------------------------------------------------------------------------------------------------
@@ -529,9 +408,9 @@ void DocumentForm::Menu_del()
         gDB.Execute(u"delete from "_s + kind_.header + u" WHERE F1="_s + sqlText(number));
         gDB.Execute(u"delete from "_s + kind_.lineTable() + u" WHERE F0="_s + sqlText(number));
     }
-    removeListRow(listRow_);
-    selectListRow(listRow_);
-    TabS->setCurrentIndex(ListTab);
+    removeListRow(listRow());
+    selectListRow(listRow());
+    showTab(ListTab);
 }
 
 void DocumentForm::Menu_cancel()
@@ -570,9 +449,7 @@ void DocumentForm::Menu_save()
             DanNoReserve(number, 1);
         }
     }
-    if (Edstu == Editing)
-        removeListRow(listRow_);
-    addListRow(partnerCode);
+    listSaved(partnerCode);
     leaveEntering();
     SavedNotice();
 }
@@ -643,20 +520,12 @@ void DocumentForm::write(const QString& number, const QString& partnerCode)
         gDB.Execute(u"delete from "_s + header + u" where F1="_s + oldNumber);
     }
     gDB.Execute(u"insert into "_s + header + u" (H8,F1,F2,F3,F5,F9,F10) VALUES ("_s +
-                quotedList({nowText(), number, Txt[Date]->text(), partnerCode, Txt[Clerk]->text()}) + u',' +
+                sqlTexts({nowText(), number, Txt[Date]->text(), partnerCode, Txt[Clerk]->text()}) + u',' +
                 sqlNumber(Val(Txt[Total]->text())) + u',' + sqlText(Txt[Remark]->text()) + u')');
     for (const DocumentLine& line : lines->lines())
-        gDB.Execute(u"insert into "_s + lineTable + u" (F0,F1,F6,F7,F8) VALUES ("_s + quotedList({number, line.code}) +
+        gDB.Execute(u"insert into "_s + lineTable + u" (F0,F1,F6,F7,F8) VALUES ("_s + sqlTexts({number, line.code}) +
                     u',' + sqlNumber(line.quantity) + u',' + sqlNumber(line.price) + u',' + sqlText(line.remark) +
                     u')');
-}
-
-void DocumentForm::refuse(const QString& text, QWidget* where)
-{
-    MsgBox(text);
-    where->setFocus();
-    if (auto* edit = qobject_cast<QLineEdit*>(where))
-        edit->selectAll();
 }
 
 // Audit ---------------------------------------------------------------------------------------------------------------
@@ -720,13 +589,13 @@ bool DocumentForm::move(AuditStep step)
 void DocumentForm::listAfterAudit()
 {
     if (allDocuments_) {
-        GD->SetTextMatrix(listRow_, Auditor, gOperName);
+        GD->SetTextMatrix(listRow(), Auditor, gOperName);
         Txt[Auditor]->setText(gOperName);
         updateBadge();
         return;
     }
-    removeListRow(listRow_);
-    selectListRow(listRow_);
+    removeListRow(listRow());
+    selectListRow(listRow());
     if (onDetail())
         loadDetail(); // another document is current now
 }
@@ -748,6 +617,6 @@ void DocumentForm::Menu_noOK()
     if (!askYesNo(warning + u"\n\n真的要继续吗？"_s) || !move(AuditStep::Unaudit))
         return;
     Txt[Auditor]->clear();
-    GD->SetTextMatrix(listRow_, Auditor, QString());
+    GD->SetTextMatrix(listRow(), Auditor, QString());
     updateBadge();
 }

@@ -178,6 +178,12 @@ void LineEntry::openNextRow()
     GdMx->edit(GdMx->Rows() - 1, Code);
 }
 
+void LineEntry::focusCode()
+{
+    TxtHPBM->setFocus();
+    TxtHPBM->selectAll();
+}
+
 bool LineEntry::endEdit()
 {
     return GdMx->endEdit();
@@ -241,8 +247,7 @@ void LineEntry::AddGoodsLine()
         updateAmount(row);
         GdMx->select(row, Quantity);
         emit changed();
-        TxtHPBM->setFocus();
-        TxtHPBM->selectAll(); // the next code overwrites it
+        focusCode(); // the next code overwrites it
         return;
     }
     // The quantity stands in the select list, so that the record has the grid's columns in order.

@@ -42,6 +42,8 @@ public:
     /// Hides price and amount where no prices are kept.
     void followSettings();
 
+    /// The code box takes the focus, its text selected.
+    void focusCode();
     bool endEdit();
     void cancelEdit();
     bool isEmpty() const; ///< whether the first row has no code

@@ -18,3 +18,11 @@ QString sqlNumber(const Value& number)
 {
     return number.isNull() ? QString() : plainText(number.number());
 }
+
+QString sqlTexts(const QStringList& texts)
+{
+    QStringList quoted;
+    for (const QString& text : texts)
+        quoted += sqlText(text);
+    return quoted.join(u',');
+}

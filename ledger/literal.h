@@ -3,6 +3,7 @@
 #include "platform/base/value.h"
 
 #include <QString>
+#include <QStringList>
 
 /// The only two ways for a value into the text of a statement.
 
@@ -11,3 +12,5 @@ QString sqlText(QStringView text);
 /// As a number's text (`NumText`). A Null is no value and gives "", which makes a malformed statement where the rules
 /// of the business ask for one.
 QString sqlNumber(const Value& number);
+/// Several texts, joined by commas as a list of values wants them.
+QString sqlTexts(const QStringList& texts);

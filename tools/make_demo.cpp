@@ -98,31 +98,23 @@ private:
     std::vector<demo::Partner> consignees_ = demo::consignees();
 };
 
-QString list(const QStringList& texts)
-{
-    QStringList quoted;
-    for (const QString& text : texts)
-        quoted += sqlText(text);
-    return quoted.join(u',');
-}
-
 void Year::fillMasterData()
 {
     const WriteRun run(gDB);
     gDB.Execute(u"update reginfo set F1=%1,F3=%2,F4=%3,F7='2025-1-1'"_s.arg(
         sqlText(demo::companyName), sqlText(demo::companyAddress), sqlText(demo::companyTelephone)));
     for (const demo::Category& category : demo::categories)
-        gDB.Execute(u"insert into TA3 (F1,F2) values ("_s + list({category.code.toString(), category.name.toString()}) +
-                    u')');
+        gDB.Execute(u"insert into TA3 (F1,F2) values ("_s +
+                    sqlTexts({category.code.toString(), category.name.toString()}) + u')');
     for (const auto& [table, partners] : {std::pair(u"TA1"_s, &suppliers_), {u"TA2"_s, &consignees_}})
         for (const demo::Partner& p : *partners)
             gDB.Execute(u"insert into "_s + table + u" (F1,F2,F3,F4,F5,F6,F7) values ("_s +
-                        list({p.code, p.name, p.address, p.telephone, p.fax, p.mail,
-                              p.contact.isEmpty() ? QString() : u"联系人："_s + p.contact}) +
+                        sqlTexts({p.code, p.name, p.address, p.telephone, p.fax, p.mail,
+                                  p.contact.isEmpty() ? QString() : u"联系人："_s + p.contact}) +
                         u')');
     for (const demo::Operator& person : demo::operators)
         gDB.Execute(u"insert into TE1 (F1,F2,F3,F61,F62,F63,F64,F65,F66) values (%1,'',%2,%3,%4,%5,%6,%7)"_s
-                        .arg(list({person.account.toString(), person.name.toString()}))
+                        .arg(sqlTexts({person.account.toString(), person.name.toString()}))
                         .arg(int(person.base))
                         .arg(int(person.inbound))
                         .arg(int(person.stock))
@@ -134,8 +126,8 @@ void Year::fillMasterData()
         const double opening = item.minimum + dice_.below(int(item.maximum - item.minimum));
         const QString sale = Format(item.cost * markUp, u"#0.00");
         gDB.Execute(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F9,F11,F7,F71,F8,V1,V2,V3,V4) values ("_s +
-                    list({item.code, item.name, item.category, item.unit, item.specification, QString(), u"无图片"_s,
-                          item.code}) +
+                    sqlTexts({item.code, item.name, item.category, item.unit, item.specification, QString(),
+                              u"无图片"_s, item.code}) +
                     u",%1,%2,%3,%4,%5,%3,%1)"_s.arg(NumText(item.cost), sale, NumText(opening), NumText(item.minimum),
                                                     NumText(item.maximum)));
     }

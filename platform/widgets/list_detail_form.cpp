@@ -1,0 +1,168 @@
+#include "platform/widgets/list_detail_form.h"
+
+#include "platform/base/dialogs.h"
+#include "platform/widgets/grid.h"
+
+#include <QHBoxLayout>
+#include <QShortcut>
+#include <QStackedWidget>
+#include <QTabBar>
+
+ListDetailForm::ListDetailForm(const QString& name, const QString& caption, const QString& listTab,
+                               const QString& detailTab)
+    : Form(name, caption)
+{
+    TabS = new QTabBar;
+    TabS->setObjectName(u"TabS"_s);
+    TabS->addTab(listTab);
+    TabS->addTab(detailTab);
+    TabS->setFocusPolicy(Qt::StrongFocus);
+    TabS->setExpanding(false);
+    TabS->setDrawBase(false);
+    state_ = makeBadge(u"LabState"_s);
+    stack_ = new QStackedWidget;
+    for (const auto& [tab, pageName] : {std::pair(ListTab, u"PageList"_s), {DetailTab, u"PageDetail"_s}}) {
+        auto* page = makePanel(pageName);
+        pages_[tab] = new QVBoxLayout(page);
+        stack_->addWidget(page);
+    }
+    GD = new Grid(u"GD"_s);
+    pages_[ListTab]->addWidget(GD);
+
+    body_ = new QWidget;
+    auto* body = new QVBoxLayout(body_);
+    body->setContentsMargins(0, 0, 0, 0);
+    body->setSpacing(0);
+    body->addLayout(makeRow({TabS, nullptr, state_}));
+    body->addWidget(stack_, 1);
+    barred_ = makeLabel(u"LabBarred"_s, QString());
+    barred_->setAlignment(Qt::AlignCenter);
+    barred_->hide();
+    content()->addWidget(body_, 1);
+    content()->addWidget(barred_, 1);
+
+    connect(TabS, &QTabBar::currentChanged, this, [this](int tab) {
+        stack_->setCurrentIndex(tab);
+        if (Edstu == Viewing)
+            runCommand([&] { tabChanged(Tab(tab)); });
+    });
+    connect(GD, &Grid::currentRowChanged, this, [this](int row) {
+        listRow_ = qMax(row, 1);
+        rowChanged();
+    });
+    connect(GD, &Grid::activatedRow, this, [this](int) { showTab(DetailTab); });
+    addKey(Qt::Key_F5, [this] {
+        if (Edstu == Viewing)
+            refresh();
+    });
+}
+
+QAction* ListDetailForm::addModeCommand(const QString& name, const QString& caption, Shown shown,
+                                        std::function<void()> run)
+{
+    QAction* action = addCommand(name, caption, run);
+    if (!run) {
+        action->setEnabled(false);
+        if (shown != Shown::Never)
+            action->setToolTip(u"尚未提供"_s);
+    }
+    modeCommands_.append({action, shown});
+    return action;
+}
+
+void ListDetailForm::showMode()
+{
+    const bool entering = Edstu != Viewing;
+    for (const auto& [action, shown] : modeCommands_)
+        setCommandVisible(action, shown == Shown::Always || shown == (entering ? Shown::Entering : Shown::Viewing));
+    TabS->setEnabled(!entering);
+    if (entering)
+        showTab(DetailTab);
+}
+
+bool ListDetailForm::onDetail() const
+{
+    return TabS->currentIndex() == DetailTab;
+}
+
+void ListDetailForm::showTab(Tab tab)
+{
+    TabS->setCurrentIndex(tab);
+}
+
+void ListDetailForm::setBarred(const QString& why)
+{
+    barred_->setText(why);
+    barred_->setVisible(!why.isEmpty());
+    body_->setVisible(why.isEmpty());
+}
+
+void ListDetailForm::setState(const QString& text, BadgeLook look)
+{
+    setBadge(state_, text, look);
+}
+
+QString ListDetailForm::listCell(int column) const
+{
+    return GD->TextMatrix(listRow_, column);
+}
+
+bool ListDetailForm::listEmpty() const
+{
+    return Trim(GD->TextMatrix(1, 0)).isEmpty();
+}
+
+void ListDetailForm::fillList(QList<QStringList> rows)
+{
+    if (rows.isEmpty())
+        GD->clearRows();
+    else
+        GD->setRows(std::move(rows));
+    selectListRow(listRow_);
+}
+
+void ListDetailForm::selectListRow(int row)
+{
+    listRow_ = qBound(1, row, qMax(GD->Rows() - 1, 1));
+    GD->select(listRow_);
+    rowChanged();
+}
+
+void ListDetailForm::removeListRow(int row)
+{
+    if (GD->Rows() > 2)
+        GD->RemoveItem(row);
+    else
+        GD->clearRows();
+}
+
+void ListDetailForm::addListRow(const QStringList& cells)
+{
+    const bool first = listEmpty();
+    QStringList row = cells;
+    for (QString& cell : row)
+        cell.replace(u'\t', u' '); // a tab that was pasted must not become a column
+    GD->AddItem(row.join(u'\t'));
+    if (first)
+        GD->RemoveItem(1);
+    selectListRow(GD->Rows() - 1);
+}
+
+void ListDetailForm::refuse(const QString& text, QWidget* where)
+{
+    MsgBox(text);
+    where->setFocus();
+    if (auto* edit = qobject_cast<QLineEdit*>(where))
+        edit->selectAll();
+}
+
+void ListDetailForm::addKey(Qt::Key key, std::function<void()> run)
+{
+    auto* shortcut = new QShortcut(QKeySequence(key), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, [run = std::move(run)] { runCommand(run); });
+}
+
+QWidget* ListDetailForm::firstFocus()
+{
+    return onDetail() ? static_cast<QWidget*>(TabS) : GD;
+}
