@@ -46,6 +46,11 @@ GoodsState movedBy(const DocumentTraits& kind, AuditStep step, const GoodsState&
     return after;
 }
 
+void postDifference(Database& db, const QString& code, double difference)
+{
+    db.Execute(u"update TA4 set F8=F8+"_s + sqlNumber(difference) + u" where F1="_s + sqlText(code));
+}
+
 bool moveLine(Database& db, const DocumentTraits& kind, AuditStep step, const QString& number, const QString& code,
               double quantity, double price)
 {

@@ -27,6 +27,12 @@ struct GoodsState
 GoodsState movedBy(const DocumentTraits& kind, AuditStep step, const GoodsState& before, double quantity, double price,
                    bool updateCost, double factor);
 
+/// Posts the difference of one line of a stock-take: it is added, so what moved between the count and its audit stays.
+/// Cost is never touched, and a code that has left the goods master changes nothing.
+/// @param difference  counted less book quantity
+/// @throws StoreError
+void postDifference(Database& db, const QString& code, double difference);
+
 /// Moves the goods record of one line and writes the line's snapshot: `H6` and `H7` are the record's quantity and cost
 /// after the step, `H8` the moment, or "00-00-00" at un-audit.
 /// @param code      as the line grid shows it

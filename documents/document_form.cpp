@@ -10,6 +10,7 @@
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
+#include "reports/Query.h"
 
 #include <QTabBar>
 
@@ -29,8 +30,8 @@ DocumentForm& documentForm(DocumentKind kind)
 }
 
 DocumentForm::DocumentForm(const DocumentTraits& kind)
-    : ListDetailForm(kind.form.toString(), kind.title.toString(), kind.listName() + u"列表"_s,
-                     kind.listName() + u"明细"_s)
+    : ListDetailForm(kind.form.toString(), kind.title.toString(), kind.documentName() + u"列表"_s,
+                     kind.documentName() + u"明细"_s)
     , kind_(kind)
 {
     buildCommands();
@@ -62,7 +63,7 @@ void DocumentForm::buildCommands()
         {"Menu_del",    u"&D.删除",     Shown::Viewing,  &DocumentForm::Menu_del,    true},
         {"Menu_Ok",     u"&C.审核",     Shown::Viewing,  &DocumentForm::Menu_Ok,     true},
         {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
-        {"Menu_query",  u"&Q.查找",     Shown::Viewing,  nullptr},
+        {"Menu_query",  u"&Q.查找",     Shown::Viewing,  &DocumentForm::Menu_query},
         {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr},
         {"Menu_print",  u"&P.打印",     Shown::Viewing,  nullptr},
         {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
@@ -71,6 +72,8 @@ void DocumentForm::buildCommands()
     };
     // clang-format on
     for (const Row& row : rows) {
+        if (row.run == &DocumentForm::Menu_noOK && kind_.unaudit == Unaudit::Never)
+            continue;
         std::function<void()> run;
         if (row.run)
             run = [this, &row] {
@@ -93,14 +96,16 @@ void DocumentForm::buildCommands()
 
 void DocumentForm::buildList()
 {
-    GD->setColumns({{kind_.word + u"单号"_s, 130},
-                    {kind_.word + u"日期"_s, 92},
-                    {kind_.partner.toString(), 220},
-                    {u"录入员"_s, 84},
-                    {u"审核人"_s, 96},
-                    {u"金额"_s, 110, ColumnKind::Number},
-                    {u"附注"_s, 240, ColumnKind::Text, false, true},
-                    {kind_.lastColumn.toString(), 110}});
+    QList<GridColumn> columns{{kind_.word + u"单号"_s, 130},
+                              {kind_.word + u"日期"_s, 92},
+                              {kind_.partner.toString(), 220},
+                              {u"录入员"_s, 84},
+                              {u"审核人"_s, 96},
+                              {kind_.totals->list.toString(), 110, ColumnKind::Number},
+                              {u"附注"_s, 240, ColumnKind::Text, false, true}};
+    if (!kind_.lastColumn.isEmpty())
+        columns.append({kind_.lastColumn.toString(), 110});
+    GD->setColumns(columns);
     GD->rememberWidths(kind_.form + u"/GD"_s);
     GD->clearRows();
 }
@@ -112,7 +117,7 @@ void DocumentForm::buildDetail()
                                 kind_.partner.toString(),
                                 u"录入员"_s,
                                 u"审核人"_s,
-                                u"金额合计"_s,
+                                kind_.totals->detail.toString(),
                                 u"附注"_s};
     for (int i = 0; i <= Remark; ++i) {
         Txt[i] = makeEdit(u"Txt"_s, i, i == Total ? EditKind::Number : EditKind::Text);
@@ -124,15 +129,17 @@ void DocumentForm::buildDetail()
         });
     }
     Txt[Number]->setMaxLength(longestNumber);
-    CmbLB = makeCombo(u"CmbLB"_s);
-    enterMovesOn(CmbLB);
+    if (kind_.partnerRule != Partner::TypedName) {
+        CmbLB = makeCombo(u"CmbLB"_s);
+        enterMovesOn(CmbLB);
+    }
     DTP1 = new DatePicker(u"DTP1"_s);
     DTP1->showAsButton();
 
     auto* fields = new FieldLayout(4);
     fields->add(Lab[Number], Txt[Number]);
     fields->add(Lab[Date], {Txt[Date], DTP1});
-    fields->add(Lab[Partner], CmbLB, 2);
+    fields->add(Lab[PartnerName], CmbLB ? static_cast<QWidget*>(CmbLB) : Txt[PartnerName], 2);
     fields->add(Lab[Clerk], Txt[Clerk]);
     fields->add(Lab[Auditor], Txt[Auditor]);
     fields->add(Lab[Remark], Txt[Remark], 2);
@@ -147,8 +154,10 @@ void DocumentForm::buildDetail()
     detailPage()->addLayout(fields);
     detailPage()->addWidget(lines, 1);
     detailPage()->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
-    Txt[Partner]->setParent(this);
-    Txt[Partner]->hide(); // the partner's name; on screen it stands in the list entry
+    if (CmbLB) { // the partner's name; on screen it stands in the list entry
+        Txt[PartnerName]->setParent(this);
+        Txt[PartnerName]->hide();
+    }
 
     onFocusIn(Txt[Date], [this] {
         if (Edstu != Viewing) {
@@ -169,6 +178,8 @@ void DocumentForm::buildDetail()
 
 void DocumentForm::fillPartners()
 {
+    if (!CmbLB)
+        return;
     CmbLB->clear();
     Recordset partners = gDB.OpenRecordset(u"select * from "_s + kind_.partners + u" order by F1"_s);
     for (; !partners.isEOF(); partners.MoveNext())
@@ -192,23 +203,32 @@ void DocumentForm::listAll(const QString& condition)
     loadList();
 }
 
-void DocumentForm::loadList()
+QString DocumentForm::listStatement() const
 {
+    const QStringView header = kind_.header;
+    if (kind_.partnerRule == Partner::TypedName) {
+        const QString columns = u"select %1.F1,%1.F2,%1.F3,%1.F5,%1.F6,%1.F9,%1.F10,%1.F3 from %1  "_s.arg(header);
+        // Only a Null counts as draft here.
+        return columns + (allDocuments_ ? condition_ : u" WHERE  "_s + header + u".F6 is Null"_s) + u" order by "_s +
+               header + u".F1"_s;
+    }
     const QString columns = u"select %1.F1,%1.F2,%2.F2 AS LB,%1.F5,%1.F6,%1.F9,%1.F10,%1.F3 from "_s;
     // The inner join leaves out a document whose partner is gone; a search shows it.
     const QString drafts = columns + u"%1,%2 WHERE %1.F3=%2.F1 and (%1.F6 is Null or %1.F6='')  order by %1.H8 desc "_s;
     const QString all = columns + u"%1 left join %2 on %1.F3=%2.F1  "_s;
-    const QString partners = kind_.partners.toString();
-    const QString sql =
-        allDocuments_ ? all.arg(kind_.header, partners) + condition_ + u" order by "_s + kind_.header + u".H8 desc "_s
-                      : drafts.arg(kind_.header, partners);
-    Recordset documents = gDB.OpenRecordset(sql);
+    return allDocuments_ ? all.arg(header, kind_.partners) + condition_ + u" order by "_s + header + u".H8 desc "_s
+                         : drafts.arg(header, kind_.partners);
+}
+
+void DocumentForm::loadList()
+{
+    Recordset documents = gDB.OpenRecordset(listStatement());
     QList<QStringList> rows;
     rows.reserve(documents.RecordCount());
     for (; !documents.isEOF(); documents.MoveNext()) {
         QStringList row;
-        row.reserve(ListColumns);
-        for (int column = 0; column < ListColumns; ++column) {
+        row.reserve(GD->Cols());
+        for (int column = 0; column < GD->Cols(); ++column) {
             const Value& field = documents.Fields(column);
             const bool money = column == Total && gWithMoney != 0 && !field.isNull();
             row += money ? Format(field.number(), u"#0.00") : field.text();
@@ -237,7 +257,7 @@ void DocumentForm::listSaved(const QString& partnerCode)
     if (Edstu == Editing)
         removeListRow(listRow());
     const QString total = gWithMoney != 0 ? Format(Val(Txt[Total]->text()), u"#0.00") : Txt[Total]->text();
-    addListRow({Txt[Number]->text(), Txt[Date]->text(), Txt[Partner]->text(), Txt[Clerk]->text(), QString(), total,
+    addListRow({Txt[Number]->text(), Txt[Date]->text(), Txt[PartnerName]->text(), Txt[Clerk]->text(), QString(), total,
                 Txt[Remark]->text(), partnerCode});
 }
 
@@ -259,7 +279,8 @@ void DocumentForm::loadDetail()
     for (int i = 0; i <= Remark; ++i)
         if (i != Total) // made from the lines
             Txt[i]->setText(listCell(i));
-    CmbLB->setEditText(entryOf(listCell(PartnerCode), listCell(Partner)));
+    if (CmbLB)
+        CmbLB->setEditText(entryOf(listCell(PartnerCode), listCell(PartnerName)));
     lines->load(listCell(Number));
     updateBadge();
 }
@@ -268,8 +289,10 @@ void DocumentForm::clearDetail()
 {
     for (QLineEdit* edit : Txt)
         edit->clear();
-    CmbLB->setCurrentIndex(-1);
-    CmbLB->clearEditText();
+    if (CmbLB) {
+        CmbLB->setCurrentIndex(-1);
+        CmbLB->clearEditText();
+    }
     lines->clear();
     updateBadge();
 }
@@ -300,26 +323,30 @@ void DocumentForm::updateState()
     showMode();
     for (QAction* action : writing_)
         action->setEnabled(allowed);
-    if (!isTopAdministrator())
-        setCommandVisible(command(u"Menu_noOK"_s), false);
+    if (QAction* unaudit = command(u"Menu_noOK"_s); unaudit && !isTopAdministrator())
+        setCommandVisible(unaudit, false);
     for (const int i : {Number, Date, Remark})
         setLocked(Txt[i], !entering);
-    for (const int i : {Partner, Clerk, Auditor, Total})
+    for (const int i : {Clerk, Auditor, Total})
         setLocked(Txt[i], true);
-    CmbLB->setEnabled(entering);
+    setLocked(Txt[PartnerName], !entering || CmbLB);
+    if (CmbLB)
+        CmbLB->setEnabled(entering);
+    setCaption(entering ? kind_.title + kind_.warning.toString() : kind_.title.toString());
     DTP1->setEnabled(entering);
     // An operator who may not see these documents sees none of them, also in a form that another one opened.
     setBarred(allowed ? QString() : u"当前操作员没有“%1”权限，不能查看%2。"_s.arg(rightName(kind_.right), kind_.title));
     const bool prices = gWithMoney != 0;
-    GD->SetTextMatrix(0, Total, prices ? u"金额"_s : u"数量"_s);
-    Lab[Total]->setText(prices ? u"金额合计"_s : u"数量合计"_s);
+    const TotalCaptions& totals = *kind_.totals;
+    GD->SetTextMatrix(0, Total, (prices ? totals.list : totals.listQuantity).toString());
+    Lab[Total]->setText((prices ? totals.detail : totals.detailQuantity).toString());
     lines->followSettings();
     updateBadge();
 }
 
 void DocumentForm::updateStatus()
 {
-    const QString name = kind_.listName();
+    const QString name = kind_.statusName.toString();
     QString text;
     if (onDetail()) {
         const int count = lines->count();
@@ -372,7 +399,7 @@ void DocumentForm::Menu_Add()
     DanNoReserve(ReservedNo, 0);
     fillPartners();
     clearDetail();
-    if (CmbLB->count() > 0)
+    if (CmbLB && CmbLB->count() > 0)
         CmbLB->setCurrentIndex(0);
     Txt[Number]->setText(ReservedNo);
     Txt[Clerk]->setText(gOperName);
@@ -421,6 +448,23 @@ void DocumentForm::Menu_cancel()
     leaveEntering();
 }
 
+void DocumentForm::Menu_query()
+{
+    QList<QueryField> fields;
+    const auto offer = [&](ListColumn column, QStringView field, QueryType type = QueryType::Text) {
+        fields.append({GD->TextMatrix(0, column), kind_.headerTable() + u'.' + field, type});
+    };
+    offer(Number, u"F1");
+    offer(Date, u"F2", QueryType::Date);
+    offer(PartnerName, u"F3"); // compares the partner's code
+    offer(Clerk, u"F5");
+    offer(Auditor, u"F6");
+    offer(Total, u"F9", QueryType::Number);
+    offer(Remark, u"F10");
+    if (Query::ask(*this, fields))
+        listAll(conditionOf(PubSql));
+}
+
 void DocumentForm::Menu_Return()
 {
     Unload();
@@ -462,8 +506,9 @@ bool DocumentForm::headerComplete()
             refuse(Lab[i]->text() + u"不能为空！"_s, Txt[i]);
             return false;
         }
-    if (Trim(CmbLB->currentText()).isEmpty()) {
-        refuse(Lab[Partner]->text() + u"不能为空！"_s, CmbLB);
+    QWidget* partner = CmbLB ? static_cast<QWidget*>(CmbLB) : Txt[PartnerName];
+    if (Trim(CmbLB ? CmbLB->currentText() : Txt[PartnerName]->text()).isEmpty()) {
+        refuse(Lab[PartnerName]->text() + u"不能为空！"_s, partner);
         return false;
     }
     const auto date = parseDate(Txt[Date]->text());
@@ -477,21 +522,25 @@ bool DocumentForm::headerComplete()
 
 bool DocumentForm::findPartner(QString& code)
 {
+    if (!CmbLB) {
+        code = Txt[PartnerName]->text();
+        return true;
+    }
     code = Trim(codeOf(CmbLB->currentText())).toUpper();
     const QString name = LookupValue(gDB, u"select F2 from "_s + kind_.partners + u" where F1="_s + sqlText(code));
-    if (name == u"NoFound" && kind_.unknownPartner == UnknownPartner::Added && gOutboundFlagA == 1 && !code.isEmpty()) {
+    if (name == u"NoFound" && kind_.partnerRule == Partner::AddedIfUnknown && gOutboundFlagA == 1 && !code.isEmpty()) {
         gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' + sqlText(code) +
                     u')');
         CmbLB->addItem(entryOf(code, code)); // the next document finds the new consignee in the list
         CmbLB->setEditText(code);
-        Txt[Partner]->setText(code);
+        Txt[PartnerName]->setText(code);
         return true;
     }
     if (name.isEmpty() || name == u"NoFound") {
-        refuse(Lab[Partner]->text() + u"编码输入错误！"_s, CmbLB);
+        refuse(Lab[PartnerName]->text() + u"编码输入错误！"_s, CmbLB);
         return false;
     }
-    Txt[Partner]->setText(name);
+    Txt[PartnerName]->setText(name);
     return true;
 }
 
@@ -519,13 +568,19 @@ void DocumentForm::write(const QString& number, const QString& partnerCode)
         gDB.Execute(u"delete from "_s + lineTable + u" where F0="_s + oldNumber);
         gDB.Execute(u"delete from "_s + header + u" where F1="_s + oldNumber);
     }
-    gDB.Execute(u"insert into "_s + header + u" (H8,F1,F2,F3,F5,F9,F10) VALUES ("_s +
-                sqlTexts({nowText(), number, Txt[Date]->text(), partnerCode, Txt[Clerk]->text()}) + u',' +
-                sqlNumber(Val(Txt[Total]->text())) + u',' + sqlText(Txt[Remark]->text()) + u')');
+    const bool stamped = kind_.stamp == Stamp::SaveTime;
+    QStringList headerTexts{number, Txt[Date]->text(), partnerCode, Txt[Clerk]->text()};
+    if (stamped)
+        headerTexts.prepend(nowText());
+    gDB.Execute(u"insert into "_s + header + (stamped ? u" (H8,F1,F2,F3,F5,F9,F10)"_s : u" (F1,F2,F3,F5,F9,F10)"_s) +
+                u" VALUES ("_s + sqlTexts(headerTexts) + u',' + sqlNumber(Val(Txt[Total]->text())) + u',' +
+                sqlText(Txt[Remark]->text()) + u')');
+    const bool counted = kind_.sheet->counted;
     for (const DocumentLine& line : lines->lines())
-        gDB.Execute(u"insert into "_s + lineTable + u" (F0,F1,F6,F7,F8) VALUES ("_s + sqlTexts({number, line.code}) +
-                    u',' + sqlNumber(line.quantity) + u',' + sqlNumber(line.price) + u',' + sqlText(line.remark) +
-                    u')');
+        gDB.Execute(u"insert into "_s + lineTable + (counted ? u" (F0,F1,F5,F6,F7,F8)"_s : u" (F0,F1,F6,F7,F8)"_s) +
+                    u" VALUES ("_s + sqlTexts({number, line.code}) + u',' +
+                    (counted ? sqlNumber(line.book) + u',' : QString()) + sqlNumber(line.quantity) + u',' +
+                    sqlNumber(line.price) + u',' + sqlText(line.remark) + u')');
 }
 
 // Audit ---------------------------------------------------------------------------------------------------------------
@@ -545,8 +600,8 @@ void DocumentForm::Menu_Ok()
 bool DocumentForm::auditable()
 {
     const auto lockDate = [this] { return afterLockDate(u"单据日期不能在 "_s, u" 之前！"_s); };
-    const auto question = [] {
-        return askYesNo(u"审核操作将对库存货品进行更新，\n\n审核后单据将不可修改！\n\n真的要继续吗？"_s);
+    const auto question = [this] {
+        return askYesNo(kind_.auditWarning + u"\n\n审核后单据将不可修改！\n\n真的要继续吗？"_s);
     };
     return kind_.firstCheck == FirstCheck::LockDate ? lockDate() && question() : question() && lockDate();
 }
@@ -573,7 +628,9 @@ bool DocumentForm::move(AuditStep step)
         const QString code = lines->GdMx->TextMatrix(row, 0);
         const double quantity = Val(lines->GdMx->TextMatrix(row, 3));
         const double price = Val(lines->GdMx->TextMatrix(row, 4));
-        if (!moveLine(gDB, kind_, step, number, code, quantity, price)) {
+        if (kind_.stock == Stock::ByDifference) {
+            postDifference(gDB, code, quantity - Val(lines->GdMx->TextMatrix(row, 2)));
+        } else if (!moveLine(gDB, kind_, step, number, code, quantity, price)) {
             // The lines before it stay applied, and an audit after the code is restored applies them again: so it was
             // agreed, and only the operator can say what has really moved.
             MsgBox(u"货品编码资料丢失！"_s, QString(), BoxIcon::Exclamation);
@@ -581,8 +638,9 @@ bool DocumentForm::move(AuditStep step)
         }
     }
     const QString auditor = step == AuditStep::Audit ? gOperName : QString();
-    gDB.Execute(u"update "_s + kind_.header + u" set F6="_s + sqlText(auditor) + u",H8="_s + sqlText(nowText()) +
-                u" where F1="_s + sqlText(number));
+    gDB.Execute(u"update "_s + kind_.header + u" set F6="_s + sqlText(auditor) +
+                (kind_.stamp == Stamp::SaveTime ? u",H8="_s + sqlText(nowText()) : QString()) + u" where F1="_s +
+                sqlText(number));
     return true;
 }
 

@@ -6,11 +6,12 @@
 
 class LineEntry;
 
-/// Inbound, return, outbound and return-from-consignee documents: a list tab and a detail tab, draft and audit. Which
-/// of the four it is comes from one DocumentTraits row.
+/// Inbound, return, outbound, return-from-consignee documents and stock-takes: a list tab and a detail tab, draft and
+/// audit. Which of them it is comes from one DocumentTraits row.
 class DocumentForm : public ListDetailForm
 {
     Q_OBJECT
+    Q_PROPERTY(QString PubSql MEMBER PubSql)
 
 public:
     explicit DocumentForm(const DocumentTraits& kind);
@@ -18,8 +19,9 @@ public:
     void Menu_Add();
     void Menu_edit();
     void Menu_del();
-    void Menu_Ok();   ///< audit: moves `TA4` record by record
-    void Menu_noOK(); ///< un-audit, for "001" only
+    void Menu_Ok();    ///< audit: moves `TA4` record by record
+    void Menu_noOK();  ///< un-audit, for "001" only
+    void Menu_query(); ///< lists what meets the operator's conditions, drafts and audited documents
     void Menu_save();
     void Menu_cancel();
     void Menu_Return();
@@ -29,11 +31,12 @@ public:
     /// Lists all documents that meet the condition (a WHERE clause, or "" for all), with their audit state.
     void listAll(const QString& condition);
 
+    QString PubSql;     ///< what the condition builder hands back
     QString ReservedNo; ///< the number held in `DanNo` from the moment of adding or editing until save or cancel
 
     QLineEdit* Txt[7] = {}; ///< number, date, partner's name, clerk, auditor, total, remark
     QLabel* Lab[7] = {};
-    QComboBox* CmbLB = nullptr;
+    QComboBox* CmbLB = nullptr; ///< the partner; none where a name is typed
     DatePicker* DTP1 = nullptr;
     LineEntry* lines = nullptr;
 
@@ -44,7 +47,7 @@ protected:
     void unloaded() override;
 
 private:
-    enum ListColumn { Number, Date, Partner, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
+    enum ListColumn { Number, Date, PartnerName, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
 
     void buildCommands();
     void buildList();
@@ -54,6 +57,7 @@ private:
     void tabChanged(Tab tab) override;
     void refresh() override;
     void rowChanged() override;
+    QString listStatement() const;
     void loadList();
     void loadDetail();
     void clearDetail();

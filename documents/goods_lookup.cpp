@@ -15,13 +15,13 @@ constexpr qsizetype mostGoods = 500; // as the statement caps it
 constexpr int shownRows = 8;
 } // namespace
 
-GoodsLookup::GoodsLookup(bool withNewGoods)
+GoodsLookup::GoodsLookup(const QString& stockCaption, bool withNewGoods)
 {
     setObjectName(u"FrmLookup"_s);
     GdQuery = new Grid(u"GdQuery"_s);
     GdQuery->setColumns({{u"货品编码"_s, 150},
                          {u"货品名称/规格"_s, 360, ColumnKind::Text, false, true},
-                         {u"现存"_s, 140, ColumnKind::Number}});
+                         {stockCaption, 140, ColumnKind::Number}});
     GdQuery->setFixedHeight(style::headerHeight + shownRows * style::rowHeight + 2);
     LabInfo = makeLabel(u"LabInfo"_s, QString());
     CmdBox[0] = makeButton(

@@ -14,7 +14,8 @@ class GoodsLookup : public QFrame
     Q_OBJECT
 
 public:
-    explicit GoodsLookup(bool withNewGoods);
+    /// @param stockCaption of the column that shows what is in stock
+    GoodsLookup(const QString& stockCaption, bool withNewGoods);
 
     /// Shows the goods whose code begins with that text, at most the first 500 by code.
     /// @throws StoreError

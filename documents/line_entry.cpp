@@ -95,7 +95,7 @@ void LineEntry::build()
         setLook(label, LabelLook::Field);
     auto* row = makeRow({codeLabel, TxtHPBM, CmdQuery, quantityLabel, TxtSL, CmdEnter, CmdDel, nullptr, hint});
 
-    lookup = new GoodsLookup(kind_.newGoods == NewGoods::Panel);
+    lookup = new GoodsLookup(kind_.sheet->stockCaption.toString(), kind_.newGoods == NewGoods::Panel);
     PicLRQ = makePanel(u"PicLRQ"_s);
     auto* panel = new QVBoxLayout(PicLRQ);
     panel->setContentsMargins(style::spacing, style::spacing - 2, style::spacing, style::spacing - 2);
@@ -106,13 +106,18 @@ void LineEntry::build()
         panel->addWidget(newGoods);
     }
 
+    const LineSheet& sheet = *kind_.sheet;
+    const auto captionOf = [this](QStringView word, QStringView what) {
+        return (word.isEmpty() ? kind_.word : word) + what.toString();
+    };
     GdMx = new Grid(u"GdMx"_s);
     GdMx->setColumns({{codeCaption, 130},
                       {u"货品名称/规格"_s, 330},
-                      {u"计量单位"_s, 76, ColumnKind::Centred},
-                      {kind_.word + u"数量"_s, 100, ColumnKind::Number},
-                      {kind_.word + u"价格"_s, 100, ColumnKind::Number},
-                      {u"小计金额"_s, 120, ColumnKind::Number},
+                      {sheet.thirdCaption.toString(), sheet.counted ? 100 : 76,
+                       sheet.counted ? ColumnKind::Number : ColumnKind::Centred},
+                      {captionOf(sheet.quantityWord, u"数量"), 100, ColumnKind::Number},
+                      {captionOf(sheet.priceWord, u"价格"), 100, ColumnKind::Number},
+                      {sheet.amountCaption.toString(), 120, ColumnKind::Number},
                       {u"备注"_s, 160, ColumnKind::Text, false, true}});
     GdMx->rememberWidths(kind_.form + u"/GdMx"_s);
     GdMx->clearRows();
@@ -131,11 +136,10 @@ void LineEntry::followSettings()
 
 void LineEntry::load(const QString& number)
 {
+    const QString columns = u"select %1.F1,TA4.F2+'/'+TA4.F5 AS MC,"_s + kind_.sheet->storedThird + u",%1.F6,%1.F7,"_s +
+                            kind_.sheet->storedAmount + u" AS JE,%1.F8 FROM %1,TA4 WHERE %1.F1=TA4.F1 AND %1.F0="_s;
     const QString lines = kind_.lineTable();
-    Recordset rows = gDB.OpenRecordset(
-        u"select %1.F1,TA4.F2+'/'+TA4.F5 AS MC,TA4.F4,%1.F6,%1.F7,%1.F6*%1.F7 AS JE,%1.F8 FROM %1,TA4 WHERE %1.F1=TA4.F1 AND %1.F0="_s
-            .arg(lines) +
-        sqlText(number) + u" ORDER BY "_s + lines + u".F1"_s);
+    Recordset rows = gDB.OpenRecordset(columns.arg(lines) + sqlText(number) + u" ORDER BY "_s + lines + u".F1"_s);
     QList<QStringList> cells;
     for (; !rows.isEOF(); rows.MoveNext()) {
         QStringList row;
@@ -204,8 +208,8 @@ QList<DocumentLine> LineEntry::lines() const
     QList<DocumentLine> result;
     for (int row = 1; row < GdMx->Rows(); ++row)
         if (const QString code = GdMx->TextMatrix(row, Code); !Trim(code).isEmpty())
-            result.append(
-                {code, cellNumber(*GdMx, row, Quantity), cellNumber(*GdMx, row, Price), GdMx->TextMatrix(row, Remark)});
+            result.append({code, cellNumber(*GdMx, row, Quantity), cellNumber(*GdMx, row, Third),
+                           cellNumber(*GdMx, row, Price), GdMx->TextMatrix(row, Remark)});
     return result;
 }
 
@@ -224,10 +228,9 @@ int LineEntry::currentRow() const
 
 QString LineEntry::totalText() const
 {
-    const int column = gWithMoney != 0 ? Amount : Quantity;
     double total = 0;
     for (int row = 1; row < GdMx->Rows(); ++row)
-        total += cellNumber(*GdMx, row, column);
+        total += gWithMoney != 0 ? cellNumber(*GdMx, row, Amount) : weight(row);
     return gWithMoney != 0 ? Format(total, gPriceFormat) : NumText(total);
 }
 
@@ -251,8 +254,9 @@ void LineEntry::AddGoodsLine()
         return;
     }
     // The quantity stands in the select list, so that the record has the grid's columns in order.
-    const Recordset goods = gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,F4,"_s + NumText(quantity) + u" as sl,"_s +
-                                              kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
+    const Recordset goods =
+        gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,"_s + kind_.sheet->third + u',' + NumText(quantity) +
+                          u" as sl,"_s + kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
     if (goods.isEOF()) {
         MsgBox(u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
                    .arg(codeCaption));
@@ -282,7 +286,7 @@ void LineEntry::deleteLine()
         return MsgBox(u"请输入要删除的货品编码或点击要删除的行！"_s);
     const int row = findRow(code);
     if (!row)
-        return MsgBox(u"此"_s + kind_.listName() + u"中没有指定的货品编码："_s + code + u"！"_s);
+        return MsgBox(u"此"_s + kind_.statusName + u"中没有指定的货品编码："_s + code + u"！"_s);
     if (!askYesNo(u"真的要删除货品["_s + code + u"]吗？"_s))
         return;
     removeRow(row);
@@ -312,7 +316,7 @@ bool LineEntry::mayEdit(int row, int column) const
     case Code:
         return true;
     case Price:
-        if (gNoPriceEdit == 1)
+        if (gNoPriceEdit == 1 || kind_.sheet->counted)
             return false;
         [[fallthrough]];
     case Quantity:
@@ -329,7 +333,7 @@ QPoint LineEntry::cellAfter(int row, int column) const
     case Code:
         return {Trim(GdMx->TextMatrix(row, Code)).isEmpty() ? Code : Quantity, row};
     case Quantity:
-        return {gWithMoney != 0 && gNoPriceEdit == 0 ? Price : Remark, row};
+        return {mayEdit(row, Price) && gWithMoney != 0 ? Price : Remark, row};
     case Price:
         return {Remark, row};
     default:
@@ -362,7 +366,7 @@ bool LineEntry::finishCell(int row, int column, const QString& before, const QSt
 bool LineEntry::finishCode(int row, const QString& before, const QString& after)
 {
     if (after.isEmpty()) {
-        if (!askYesNo(u"真的要删除货品["_s + before + u"]吗？"_s))
+        if (!askYesNo(u"真的要删除货品["_s + before + u']' + kind_.sheet->removal))
             return false;
         removeRow(row);
         return true;
@@ -372,8 +376,8 @@ bool LineEntry::finishCode(int row, const QString& before, const QString& after)
         MsgBox(u"相同的"_s + codeCaption + u"已经存在！"_s);
         return false;
     }
-    const Recordset goods = gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC ,F4,"_s + kind_.newLinePrice +
-                                              u" from TA4 where F1="_s + sqlText(code));
+    const Recordset goods = gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC ,"_s + kind_.sheet->third + u',' +
+                                              kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
     if (goods.isEOF()) {
         if (kind_.wording == Wording::Inbound)
             MsgBox(
@@ -389,7 +393,7 @@ bool LineEntry::finishCode(int row, const QString& before, const QString& after)
         return false;
     GdMx->SetTextMatrix(row, Code, code);
     GdMx->SetTextMatrix(row, Name, goods.Fields(1).text());
-    GdMx->SetTextMatrix(row, Unit, goods.Fields(2).text());
+    GdMx->SetTextMatrix(row, Third, goods.Fields(2).text());
     GdMx->SetTextMatrix(row, Quantity, quantity);
     GdMx->SetTextMatrix(row, Price, offeredPrice(goods.Fields(3)));
     updateAmount(row);
@@ -439,9 +443,14 @@ void LineEntry::keepEmptyRow()
         GdMx->AddItem(QString());
 }
 
+double LineEntry::weight(int row) const
+{
+    return cellNumber(*GdMx, row, Quantity) - (kind_.sheet->counted ? cellNumber(*GdMx, row, Third) : 0);
+}
+
 void LineEntry::updateAmount(int row)
 {
-    const double amount = cellNumber(*GdMx, row, Quantity) * cellNumber(*GdMx, row, Price);
+    const double amount = weight(row) * cellNumber(*GdMx, row, Price);
     GdMx->SetTextMatrix(row, Amount, Format(amount, gPriceFormat));
 }
 

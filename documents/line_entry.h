@@ -17,7 +17,8 @@ class QPushButton;
 struct DocumentLine
 {
     QString code;
-    double quantity = 0; ///< pieces
+    double quantity = 0; ///< pieces; the counted ones on a stock-take
+    double book = 0;     ///< book quantity, on a stock-take
     double price = 0;    ///< money a piece, as the grid shows it
     QString remark;
 };
@@ -76,7 +77,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    enum LineColumn { Code, Name, Unit, Quantity, Price, Amount, Remark };
+    enum LineColumn { Code, Name, Third, Quantity, Price, Amount, Remark };
 
     void build();
     bool mayEdit(int row, int column) const;
@@ -89,6 +90,8 @@ private:
     int findRow(const QString& code, int except = 0) const;
     void removeRow(int row);
     void keepEmptyRow();
+    /// What a row's quantity counts for: a stock-take counts by the difference to the book.
+    double weight(int row) const;
     void updateAmount(int row);
     bool stockCovers(const QString& code, double quantity) const;
     QString offeredPrice(const Value& price) const;

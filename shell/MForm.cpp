@@ -99,7 +99,7 @@ const MenuRow menuRows[] = {
     {"Menu_C18(1)",   "Menu_C",   u"&4.货品进出存报表(二)",  hidden,    OperatorRight::Cost},
     {"Menu_C19",      "Menu_C",   u"&5.库存年度结转",        hidden,    anyone},
     {"cl",            "Menu_C",   u"",                       separator, anyone},
-    {"Menu_C2",       "Menu_C",   u"&2.库存货品盘点",        command,   anyone},
+    {"Menu_C2",       "Menu_C",   u"&2.库存货品盘点",        command,   anyone, &openDocument<DocumentKind::C2>},
     {"Menu_C3",       "Menu_C",   u"&3.库存盘点统计",        command,   anyone},
     {"Menu_D",        "",         u"&D.出库管理",            menu,      OperatorRight::Out},
     {"Menu_D1",       "Menu_D",   u"&1.货品出库单",          command,   anyone, &openDocument<DocumentKind::D1>},

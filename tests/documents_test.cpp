@@ -306,6 +306,35 @@ private slots:
         QCOMPARE(form.Txt[0]->text(), u"TH0411180003"_s);
     }
 
+    void aStockTakePostsDifferences()
+    {
+        gWithMoney = 0;
+        DocumentForm& form = open(DocumentKind::C2);
+        QVERIFY(!form.command(u"Menu_noOK"_s)); // once audited, it stays
+        add(form, {{u"A1"_s, u"7"_s, {}}, {u"A2"_s, u"100.5"_s, {}}, {u"A3"_s, u"1"_s, {}}});
+        QCOMPARE(form.Lab[5]->text(), u"盈亏数量"_s);
+        QCOMPARE(form.Txt[5]->text(), u"-1.5"_s);
+        form.Txt[2]->setText(u"老王"_s);
+        save(form);
+        QCOMPARE(ledger_->row(u"select F1,F2,F3,F5,F6,F9 from TC2"_s),
+                 u"PD0411180001|2004-11-18|老王|王小敏|Null|-1.5"_s);
+        QCOMPARE(ledger_->rows(u"select F1,F5,F6,F7 from TC21 order by F1"_s),
+                 (QStringList{u"A1|10|7|2"_s, u"A2|100|100.5|0.5"_s, u"A3|0|1|4"_s}));
+        ledger_->run(u"update TA4 set F8=5 where F1='A1'"_s); // sold since the count
+        ledger_->run(u"delete from TA4 where F1='A3'"_s);     // and a code has gone, of which nobody is told
+        boxes_->expect(
+            u"审核操作将根据盘点盈亏数量对存库货品的数量进行更新，\n\n审核后单据将不可修改！\n\n真的要继续吗？"_s,
+            Answer::Yes);
+        run(form, "Menu_Ok");
+        QCOMPARE(stock(u"A1"_s), u"2|2|3"_s);
+        QCOMPARE(stock(u"A2"_s), u"100.5|0.5|1"_s);
+        QCOMPARE(ledger_->value(u"select F6 from TC2"_s), u"王小敏"_s);
+        // Unlike the other documents, one with an empty auditor counts as audited here.
+        ledger_->run(u"update TC2 set F6=''"_s);
+        form.listDrafts();
+        QVERIFY(form.GD->TextMatrix(1, 0).isEmpty());
+    }
+
     // Refusals --------------------------------------------------------------------------------------------------------
 
     void saveRefuses_data()
