@@ -1,10 +1,9 @@
 #include "shell/BGForm.h"
 
-#include "platform/base/files.h"
 #include "platform/widgets/controls.h"
+#include "platform/widgets/picture.h"
 #include "platform/widgets/style.h"
 
-#include <QImageReader>
 #include <QPainter>
 
 namespace {
@@ -58,10 +57,7 @@ BGForm::BGForm(QWidget* area)
 
 bool BGForm::loadPicture(const QString& path)
 {
-    QImageReader reader(resolvedPath(path));
-    reader.setDecideFormatFromContent(true); // pictures keep their own format under a fixed name
-    reader.setAutoTransform(true);
-    const QImage image = reader.read();
+    const QImage image = readPicture(path).image;
     if (image.isNull())
         return false;
     picture_ = QPixmap::fromImage(image);

@@ -174,16 +174,17 @@ public:
     }
 };
 
-/// The row numbers. The last one is the widest; the toolkit would measure up to 200 of them anew for each added row.
-class RowNumbers : public QHeaderView
+/// The toolkit measures all captions and up to 200 row numbers anew after each change. The captions' height is given,
+/// and the last row number is the widest.
+class GridHeader : public QHeaderView
 {
 public:
-    explicit RowNumbers(QWidget* parent)
-        : QHeaderView(Qt::Vertical, parent)
-    {}
+    using QHeaderView::QHeaderView;
 
     QSize sizeHint() const override
     {
+        if (orientation() == Qt::Horizontal)
+            return {0, style::headerHeight};
         return count() == 0 ? QHeaderView::sizeHint() : sectionSizeFromContents(count() - 1);
     }
 };
@@ -220,7 +221,8 @@ Grid::Grid(const QString& name, QWidget* parent)
     TxtEnter->installEventFilter(this);
     connect(TxtEnter, &QLineEdit::returnPressed, this, &Grid::goOn);
 
-    setVerticalHeader(new RowNumbers(this));
+    setHorizontalHeader(new GridHeader(Qt::Horizontal, this));
+    setVerticalHeader(new GridHeader(Qt::Vertical, this));
     setModel(model_);
     setItemDelegate(new CellPainter(this));
     setSelectionBehavior(SelectRows);

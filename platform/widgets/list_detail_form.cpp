@@ -139,10 +139,9 @@ void ListDetailForm::removeListRow(int row)
 void ListDetailForm::addListRow(const QStringList& cells)
 {
     const bool first = listEmpty();
-    QStringList row = cells;
-    for (QString& cell : row)
-        cell.replace(u'\t', u' '); // a tab that was pasted must not become a column
-    GD->AddItem(row.join(u'\t'));
+    GD->AddItem(QString());
+    for (int column = 0; column < cells.size(); ++column)
+        GD->SetTextMatrix(GD->Rows() - 1, column, cells[column]); // a pasted tab must not become a column
     if (first)
         GD->RemoveItem(1);
     selectListRow(GD->Rows() - 1);

@@ -53,7 +53,7 @@ protected:
     void fillList(QList<QStringList> rows);
     void selectListRow(int row);
     void removeListRow(int row);
-    /// At the end, made current. Tabs in a cell become blanks.
+    /// At the end, made current.
     void addListRow(const QStringList& cells);
     /// Tells a refusal and leads to the field to correct, its text selected.
     void refuse(const QString& text, QWidget* where);

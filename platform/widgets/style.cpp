@@ -133,6 +133,8 @@ QComboBox QAbstractItemView { background: @field; border: 1px solid @lines; bord
     selection-background-color: @selectedRow; selection-color: @selectedText; }
 QListView, QTreeView { selection-background-color: @selectedRow; selection-color: @selectedText;
     alternate-background-color: @gridAlternate; }
+QListView[look="conditions"] { background: @selectedRow; color: @selectedText;
+    selection-background-color: @accent; selection-color: @accentText; }
 
 QPushButton { background: @field; color: @text; border: 1px solid @lines; border-radius: 3px; padding: 2px 12px;
     min-height: 21px; }
@@ -146,6 +148,16 @@ QPushButton[look="primary"]:hover { background: @menuHot; border-color: @menuHot
 QPushButton[look="primary"]:focus { border-color: @text; }
 QPushButton[look="primary"]:disabled { background: @readOnly; color: @mutedText; border-color: @lines; }
 QPushButton[look="compact"] { padding: 2px 6px; min-width: 16px; }
+
+QCheckBox::indicator, QRadioButton::indicator { width: 13px; height: 13px; background: @field;
+    border: 1px solid @mutedText; border-radius: 3px; }
+QRadioButton::indicator { border-radius: 7px; }
+QCheckBox::indicator:focus, QRadioButton::indicator:focus { border-color: @accent; }
+QCheckBox::indicator:checked, QRadioButton::indicator:checked { background: @accent; border-color: @accent; }
+QCheckBox::indicator:checked { image: url(@tickPicture); }
+QRadioButton::indicator:checked { image: url(@dotPicture); }
+QCheckBox::indicator:disabled, QRadioButton::indicator:disabled { background: @readOnly; border-color: @lines; }
+QCheckBox::indicator:checked:disabled, QRadioButton::indicator:checked:disabled { background: @mutedText; }
 
 QTableView { background: @gridBase; alternate-background-color: @gridAlternate; gridline-color: @lines;
     border: 1px solid @lines; selection-background-color: @selectedRow; selection-color: @selectedText; }
@@ -227,6 +239,23 @@ QString sidewaysPicture(const QString& name, bool left)
     });
 }
 
+QString tickPicture()
+{
+    return picture(u"tick"_s, {13, 13}, [](QPainter& painter) {
+        painter.setPen(QPen(color(Role::AccentText), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(QPolygonF{{3, 6.5}, {5.5, 9.5}, {10, 3.5}});
+    });
+}
+
+QString dotPicture()
+{
+    return picture(u"dot"_s, {13, 13}, [](QPainter& painter) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color(Role::AccentText));
+        painter.drawEllipse(QPointF(6.5, 6.5), 2.5, 2.5);
+    });
+}
+
 QString closePicture(const QString& name, Role role, bool hot)
 {
     return picture(name, {16, 16}, [role, hot](QPainter& painter) {
@@ -278,6 +307,8 @@ QString makeSheet()
         {u"arrowOffPicture"_s, arrowPicture(u"arrow-off"_s, Role::Lines)},
         {u"previousPicture"_s, sidewaysPicture(u"previous"_s, true)},
         {u"nextPicture"_s, sidewaysPicture(u"next"_s, false)},
+        {u"tickPicture"_s, tickPicture()},
+        {u"dotPicture"_s, dotPicture()},
         {u"closePicture"_s, closePicture(u"close"_s, Role::MutedText, false)},
         {u"closeHotPicture"_s, closePicture(u"close-hot"_s, Role::Negative, true)},
     };
@@ -334,6 +365,8 @@ void apply(QApplication& application, Scheme scheme)
     if (!current.systemPalette)
         current.systemPalette = QApplication::palette();
     constexpr int middle = 128;
+    if (const QString forced = qEnvironmentVariable("HCN_LOOK"); scheme == Scheme::FollowSystem && !forced.isEmpty())
+        scheme = forced == u"dark" ? Scheme::Dark : Scheme::Light;
     current.dark = scheme == Scheme::Dark || (scheme == Scheme::FollowSystem &&
                                               current.systemPalette->color(QPalette::Window).lightness() < middle);
 

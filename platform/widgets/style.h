@@ -39,7 +39,8 @@ enum class Role {
 enum class Scheme { FollowSystem, Light, Dark };
 
 /// Sets style, palette, font, icon, stylesheet and the toolkit's Chinese texts (where they are installed) for the whole
-/// application. May be called again with another scheme.
+/// application. May be called again with another scheme. Where it follows the system, HCN_LOOK=light or dark in the
+/// environment has the say.
 void apply(QApplication& application, Scheme scheme = Scheme::FollowSystem);
 bool dark();
 QColor color(Role role);
