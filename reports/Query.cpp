@@ -245,7 +245,7 @@ void Query::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape)
         runCommand([this] { cancel(); });
-    else if (DTP->hasFocus() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    else if (focusWidget() == DTP && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         focusNextChild();
     else
         Form::keyPressEvent(event);
