@@ -83,6 +83,11 @@ public:
             check(code);
         sqlite3_reset(statement);
     }
+    void run(const std::vector<BareStatement>& statements)
+    {
+        for (const BareStatement& statement : statements)
+            run(statement);
+    }
 
 private:
     void check(int code)
@@ -118,13 +123,17 @@ public:
         std::erase_if(statements, [](const BareStatement& one) { return one.sql.startsWith("select rowid, *"); });
         return *this;
     }
-    /// The same for another document: each parameter that is `was` becomes `is`.
-    void renumber(const QByteArray& was, const QByteArray& is)
+    /// The same for another document: each parameter that is `was` becomes `is`. Returns how many did.
+    int renumber(const QByteArray& was, const QByteArray& is)
     {
+        int count = 0;
         for (BareStatement& statement : statements)
             for (BareStatement::Parameter& parameter : statement.parameters)
-                if (const auto* text = std::get_if<QByteArray>(&parameter); text && *text == was)
+                if (const auto* text = std::get_if<QByteArray>(&parameter); text && *text == was) {
                     parameter = is;
+                    ++count;
+                }
+        return count;
     }
 
     std::vector<BareStatement> statements;

@@ -24,6 +24,15 @@ Lap timed(Work work)
     return {double(after - before) / CLOCKS_PER_SEC, passed.count()};
 }
 
+inline double median(std::vector<double> values)
+{
+    if (values.empty())
+        return 0;
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 /// The program's way of doing something and the bare engine's, taken in turns within one run, so that whatever else the
 /// machine does meets both alike. The counters tell the medians and their ratio.
 class Beside
@@ -36,8 +45,8 @@ public:
     {}
     ~Beside()
     {
-        const Lap ours = median(ours_);
-        const Lap bare = median(bare_);
+        const Lap ours = medianOf(ours_);
+        const Lap bare = medianOf(bare_);
         state_.counters["ours_us"] = ours.processor * 1e6 / calls_;
         state_.counters["bare_us"] = bare.processor * 1e6 / calls_;
         state_.counters["ratio"] = ours.processor / bare.processor;
@@ -54,20 +63,19 @@ public:
         state_.SetIterationTime(ours_.back().clock);
     }
 
-    Lap ours() const { return median(ours_); }
-    Lap bare() const { return median(bare_); }
+    Lap ours() const { return medianOf(ours_); }
+    Lap bare() const { return medianOf(bare_); }
 
 private:
-    static Lap median(const std::vector<Lap>& laps)
+    static Lap medianOf(const std::vector<Lap>& laps)
     {
-        const auto middle = [&laps](double Lap::*part) {
-            std::vector<double> values;
-            for (const Lap& lap : laps)
-                values.push_back(lap.*part);
-            std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-            return values[values.size() / 2];
-        };
-        return laps.empty() ? Lap{} : Lap{middle(&Lap::processor), middle(&Lap::clock)};
+        std::vector<double> processor;
+        std::vector<double> clock;
+        for (const Lap& lap : laps) {
+            processor.push_back(lap.processor);
+            clock.push_back(lap.clock);
+        }
+        return {median(std::move(processor)), median(std::move(clock))};
     }
 
     benchmark::State& state_;

@@ -14,6 +14,8 @@
 
 #include <QTabBar>
 
+#include <tuple>
+
 namespace {
 
 constexpr int statusPanelOfForms = 4;
@@ -197,10 +199,16 @@ void DocumentForm::listDrafts()
 
 void DocumentForm::listAll(const QString& condition)
 {
+    const auto before = std::pair(allDocuments_, condition_);
     allDocuments_ = true;
     condition_ = condition;
     showTab(ListTab);
-    loadList();
+    try {
+        loadList();
+    } catch (const StoreError&) { // what can't be listed must not stand behind the list when it is read anew
+        std::tie(allDocuments_, condition_) = before;
+        throw;
+    }
 }
 
 QString DocumentForm::listStatement() const

@@ -1,12 +1,12 @@
 #include "shell/Login.h"
 
 #include "admin/AboutUS.h"
+#include "admin/background.h"
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
-#include "platform/base/files.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/style.h"
 #include "shell/BGForm.h"
@@ -36,6 +36,11 @@ Login::Login()
     : Form(formName(), u"登录帐本..."_s + todayText())
     , defaultBigCaption_(u"恒仓宁仓库管理"_s)
 {
+    // Read before any control is made: a ledger that can't be read ends the loading here.
+    QStringList operators;
+    for (Recordset rows = gDB.OpenRecordset(u"select F1+'.'+F2 as userN from TE1 order by F1"_s); !rows.isEOF();
+         rows.MoveNext())
+        operators += rows.Fields(0).text();
     const bool noPassword = LookupValue(gDB, u"SELECT F3 FROM TE1 WHERE F1='001'"_s).isEmpty();
     helpText_ =
         noPassword
@@ -56,9 +61,7 @@ Login::Login()
     Cmd[2] = makeButton(
         u"Cmd"_s, u"帮助"_s, [this] { help(); }, 2);
 
-    Recordset operators = gDB.OpenRecordset(u"select F1+'.'+F2 as userN from TE1 order by F1"_s);
-    for (; !operators.isEOF(); operators.MoveNext())
-        Cmb->addItem(operators.Fields(0).text());
+    Cmb->addItems(operators);
     Cmb->setCurrentIndex(-1);
     if (noPassword)
         Txt[1]->setPlaceholderText(u"首次使用：帐号 001，密码为空"_s);
@@ -135,17 +138,10 @@ void Login::completeLogin(const QString& account)
 void Login::dressBackground()
 {
     BGForm& background = *MForm::get().background();
-    // Decoration only: neither a failed look-up nor an unreadable picture stops a login, or changes what is shown.
+    // Decoration only: neither a failed look-up nor an unreadable picture stops a login.
     const QString caption = LookupValue(gDB, u"select F75 from TE1 where F1="_s + sqlText(gOperId));
     background.setBigCaption(caption.isEmpty() || caption == u"NoFound" ? defaultBigCaption_ : Trim(caption));
-    const QString own = gAppPath + u"image\\"_s + gOperId + u".jpg"_s;
-    const QString common = gAppPath + u"syspic.dat"_s;
-    if (fileExists(own)) {
-        if (background.loadPicture(own))
-            background.setCaptionVisible(true);
-    } else if (!fileExists(common) || background.loadPicture(common)) {
-        background.setCaptionVisible(false);
-    }
+    dressFor(background, gOperId);
 }
 
 void Login::takeAccount()

@@ -1,10 +1,15 @@
 #include "shell/MForm.h"
 
 #include "admin/AboutUS.h"
+#include "admin/S1.h"
+#include "admin/S2.h"
+#include "admin/SysFuncSet.h"
 #include "admin/frmTip.h"
 #include "admin/maker.h"
 #include "documents/document_form.h"
 #include "ledger/Module1.h"
+#include "masterdata/A4.h"
+#include "masterdata/code_table_form.h"
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/files.h"
@@ -12,6 +17,9 @@
 #include "platform/widgets/form.h"
 #include "platform/widgets/status_panels.h"
 #include "platform/widgets/style.h"
+#include "reports/C1.h"
+#include "reports/C3.h"
+#include "reports/Lst.h"
 #include "shell/BGForm.h"
 #include "shell/Login.h"
 #include "shell/ZbSet.h"
@@ -58,10 +66,43 @@ void openDocument()
     documentForm(kind).Show();
 }
 
+template <CodeTableKind kind>
+void openCodeTable()
+{
+    codeTableForm(kind).Show();
+}
+
+template <StatisticsMode mode>
+void openStatistics()
+{
+    Lst::theWindow(mode).Show();
+}
+
+template <class F>
+void openForm()
+{
+    theForm<F>().Show();
+}
+
 template <class F>
 void openModal()
 {
     theForm<F>().ShowModal();
+}
+
+/// From the menu and from panel 3. There is nobody to set anything for before a login.
+void openPersonalSettings()
+{
+    if (gOperId.isEmpty())
+        return MsgBox(u"请先登录系统！"_s);
+    (new S2(*MForm::get().background()))->ShowModal(); // the form goes by itself when it is unloaded
+}
+
+void openFunctionSettings()
+{
+    if (!isTopAdministrator())
+        return MsgBox(u"对不起，此功能仅系统最高权限管理员“001”可以使用！您无此权限！"_s);
+    theForm<SysFuncSet>().ShowModal();
 }
 
 void showService(QStringView line)
@@ -80,43 +121,43 @@ constexpr auto separator = ItemKind::Separator;
 // clang-format off
 const MenuRow menuRows[] = {
     {"Menu_A",        "",         u"&A.基础数据",            menu,      OperatorRight::Base},
-    {"Menu_A1",       "Menu_A",   u"&1.供货单位资料",        command,   anyone},
-    {"Menu_A2",       "Menu_A",   u"&2.出货单位资料",        command,   anyone},
-    {"Menu_A3",       "Menu_A",   u"&3.货品类别资料",        command,   anyone},
-    {"Menu_A4",       "Menu_A",   u"&4.货品编码资料",        command,   anyone},
+    {"Menu_A1",       "Menu_A",   u"&1.供货单位资料",        command,   anyone, &openCodeTable<CodeTableKind::A1>},
+    {"Menu_A2",       "Menu_A",   u"&2.出货单位资料",        command,   anyone, &openCodeTable<CodeTableKind::A2>},
+    {"Menu_A3",       "Menu_A",   u"&3.货品类别资料",        command,   anyone, &openCodeTable<CodeTableKind::A3>},
+    {"Menu_A4",       "Menu_A",   u"&4.货品编码资料",        command,   anyone, &openForm<A4>},
     {"menu_Aline",    "Menu_A",   u"",                       separator, anyone},
     {"Menu_A5",       "Menu_A",   u"&5.从Excell导入货品资料", command,  anyone},
     {"Menu_B",        "",         u"&B.入库管理",            menu,      OperatorRight::In},
     {"Menu_B1",       "Menu_B",   u"&1.货品入库单",          command,   anyone, &openDocument<DocumentKind::B1>},
-    {"Menu_B2",       "Menu_B",   u"&2.入库单统计",          command,   anyone},
+    {"Menu_B2",       "Menu_B",   u"&2.入库单统计",          command,   anyone, &openStatistics<StatisticsMode::B2>},
     {"bl",            "Menu_B",   u"",                       separator, anyone},
     {"Menu_B3",       "Menu_B",   u"&3.公司退货单",          command,   anyone, &openDocument<DocumentKind::B3>},
-    {"Menu_B4",       "Menu_B",   u"&4.退货单统计",          command,   anyone},
+    {"Menu_B4",       "Menu_B",   u"&4.退货单统计",          command,   anyone, &openStatistics<StatisticsMode::B4>},
     {"Menu_C",        "",         u"&C.库存管理",            menu,      OperatorRight::Stock},
-    {"Menu_C1",       "Menu_C",   u"&1.仓库存货统计",        command,   anyone},
+    {"Menu_C1",       "Menu_C",   u"&1.仓库存货统计",        command,   anyone, +[] { C1::theWindow().Show(); }},
     {"Menu_C15",      "Menu_C",   u"&2.货品进出流水帐",      hidden,    anyone},
     {"Menu_C18(0)",   "Menu_C",   u"&3.货品进出存报表(一)",  hidden,    anyone},
     {"Menu_C18(1)",   "Menu_C",   u"&4.货品进出存报表(二)",  hidden,    OperatorRight::Cost},
     {"Menu_C19",      "Menu_C",   u"&5.库存年度结转",        hidden,    anyone},
     {"cl",            "Menu_C",   u"",                       separator, anyone},
     {"Menu_C2",       "Menu_C",   u"&2.库存货品盘点",        command,   anyone, &openDocument<DocumentKind::C2>},
-    {"Menu_C3",       "Menu_C",   u"&3.库存盘点统计",        command,   anyone},
+    {"Menu_C3",       "Menu_C",   u"&3.库存盘点统计",        command,   anyone, &openForm<C3>},
     {"Menu_D",        "",         u"&D.出库管理",            menu,      OperatorRight::Out},
     {"Menu_D1",       "Menu_D",   u"&1.货品出库单",          command,   anyone, &openDocument<DocumentKind::D1>},
-    {"Menu_D2",       "Menu_D",   u"&2.出库单统计",          command,   anyone},
+    {"Menu_D2",       "Menu_D",   u"&2.出库单统计",          command,   anyone, &openStatistics<StatisticsMode::D2>},
     {"dl",            "Menu_D",   u"",                       separator, anyone},
     {"Menu_D3",       "Menu_D",   u"&3.货品退库单",          command,   anyone, &openDocument<DocumentKind::D3>},
-    {"Menu_D4",       "Menu_D",   u"&4.退库单统计",          command,   anyone},
+    {"Menu_D4",       "Menu_D",   u"&4.退库单统计",          command,   anyone, &openStatistics<StatisticsMode::D4>},
     {"Menu_E",        "",         u"&E.综合报表",            menu,      OperatorRight::Cost},
     {"Menu_E1",       "Menu_E",   u"&1.货品进出流水帐",      command,   anyone},
     {"Menu_E2",       "Menu_E",   u"&2.货品进出存数量报表",  command,   anyone},
     {"Menu_E3",       "Menu_E",   u"&3.货品进销存综合报表",  command,   anyone},
     {"menu_S",        "",         u"&S.系统管理",            menu,      anyone},
-    {"Menu_S1",       "menu_S",   u"&1.操作员权限分配",      command,   OperatorRight::Admin},
-    {"Menu_S2",       "menu_S",   u"&2.操作员个人设置",      command,   anyone},
+    {"Menu_S1",       "menu_S",   u"&1.操作员权限分配",      command,   OperatorRight::Admin, &openForm<S1>},
+    {"Menu_S2",       "menu_S",   u"&2.操作员个人设置",      command,   anyone, &openPersonalSettings},
     {"Menu_S25",      "menu_S",   u"&3.系统设置",            menu,      OperatorRight::Admin},
     {"Menu_S2501",    "Menu_S25", u"系统套帐设置",           command,   anyone, +[] { MForm::get().changeLedger(); }},
-    {"Menu_S2502",    "Menu_S25", u"系统功能设置",           command,   anyone},
+    {"Menu_S2502",    "Menu_S25", u"系统功能设置",           command,   anyone, &openFunctionSettings},
     {"sl",            "menu_S",   u"",                       separator, anyone},
     {"Menu_S26",      "menu_S",   u"&4.数据备份与恢复",      menu,      anyone},
     {"Menu_zbbf",     "Menu_S26", u"&B.帐本备份",            command,   anyone},
@@ -191,6 +232,7 @@ MForm::MForm()
     panels_->setToolTip(MakerPanel, u"关于本软件"_s);
     panels_->setText(OperatorLabelPanel, u"操作员："_s);
     panels_->setToolTip(OperatorLabelPanel, u"更换登录用户"_s);
+    panels_->setToolTip(OperatorPanel, u"操作员个人设置"_s);
     LedgerStatus();
     Form::shareLetters(menuBar());
     applyGates();
@@ -274,6 +316,9 @@ void MForm::panelClicked(int panel)
     case OperatorLabelPanel:
         if (idle)
             theForm<Login>().ShowModal();
+        break;
+    case OperatorPanel:
+        openPersonalSettings();
         break;
     case LedgerPanel:
         // Everybody else, and "001" while something runs, gets the calculator here.

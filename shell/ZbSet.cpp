@@ -24,7 +24,7 @@ QString listFile()
 
 QString ledgerFolder()
 {
-    const QString folder = gAppPath + u"我的帐本"_s;
+    QString folder = gAppPath + u"我的帐本"_s;
     QDir().mkpath(folder); // an existing or refused folder is no matter: the dialog then starts elsewhere
     return folder;
 }

@@ -5,6 +5,7 @@
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/files.h"
+#include "reports/C1.h"
 #include "shell/Login.h"
 #include "shell/MForm.h"
 #include "shell/ZbSet.h"
@@ -82,6 +83,31 @@ void showAndLogin()
     }
 }
 
+/// Whether the operator wants to see the goods that the statement finds one of.
+bool wantsAlarm(int setting, const QString& statement, const QString& title, QStringView found)
+{
+    if (setting != 1)
+        return false;
+    const QString code = LookupValue(gDB, statement);
+    return !code.isEmpty() && code != u"NoFound" &&
+           askYesNo(found + u"您要查看详细内容吗？\n\n如果希望系统不再自动报警，\n"
+                            "您可以在主界面[系统管理]->[系统设置]->[系统功能设置]中关闭本功能。"_s,
+                    title);
+}
+
+/// For operators who may see the stock. Each alarm has a window of its own.
+void offerAlarms()
+{
+    if (!MForm::get().menuItem(u"Menu_C"_s)->isEnabled())
+        return;
+    if (wantsAlarm(gHighAlarm, u"select top 1 TA4.F1 from TA4  where TA4.F8>TA4.V2 and TA4.V2<>0 "_s,
+                   u" 库存自动报警--超出最高存量"_s, u"库存中发现超过最高存量的货品！"))
+        C1::theWindow(C1::Mode::HighAlarm).Show();
+    if (wantsAlarm(gLowAlarm, u"select top 1 TA4.F1 from TA4  where TA4.F8<TA4.V1 "_s, u" 库存自动报警--低于安全存量"_s,
+                   u"库存中发现低于安全存量的货品！"))
+        C1::newWindow(C1::Mode::LowAlarm).Show();
+}
+
 } // namespace
 
 QString programFileName()
@@ -134,7 +160,7 @@ void runEntry(const QString& commandLine)
     LoadYearStart();
     if (GetSetting(gProgramName, u"Options"_s, frmTip::showAtStart, u"1"_s) != u"0")
         theForm<frmTip>().ShowModal();
-    // The alarms for high and low stock belong here, in this order, for operators who may open Menu_C.
+    offerAlarms();
 }
 
 void RegisterFileType()

@@ -14,8 +14,8 @@ QString commandLineOf(const QStringList& arguments);
 /// blank in it must therefore be quoted. An opening quote without a closing one counts as no command line.
 QString ledgerOf(const QString& commandLine);
 
-/// The entry procedure: fills the session globals, opens a ledger, shows the main window and the login, offers a tip.
-/// Runs inside the message loop; returns when the operator can begin.
+/// The entry procedure: fills the session globals, opens a ledger, shows the main window and the login, offers a tip
+/// and the stock alarms. Runs inside the message loop; returns when the operator can begin.
 void runEntry(const QString& commandLine);
 
 /// Tells the desktop that ledger files belong to this program; done at each orderly exit, never checked.

@@ -7,7 +7,7 @@ set(features        platform/base platform/widgets platform/report ledger shell/
 set(documents       ${features} documents)
 set(masterdata      ${features} masterdata admin)
 set(reports         ${features})
-set(admin           ${features} admin)
+set(admin           ${features} admin masterdata/record_form.h)
 
 set(broken "")
 foreach(folder platform/base platform/widgets platform/report ledger documents masterdata reports admin)

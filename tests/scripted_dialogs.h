@@ -31,6 +31,8 @@ public:
     /// A box of that text; with an answer, a question.
     void expect(const QString& text) { expected_.push_back({Kind::Message, text, {}, Answer::Ok}); }
     void expect(const QString& text, Answer answer) { expected_.push_back({Kind::Question, text, {}, answer}); }
+    /// A box whose text begins so; what follows may be the store's words, which `lastBox` holds.
+    void expectStart(const QString& text) { expected_.push_back({Kind::Message, text, {}, Answer::Ok, true}); }
     /// The box that tells a failure which nothing else caught; the text may be a part of it.
     void expectError(const QString& part) { expected_.push_back({Kind::Error, part, {}, Answer::Ok}); }
     /// An input box with that prompt; no answer cancels it.
@@ -69,6 +71,7 @@ private:
         QString text;
         std::optional<QString> answer;
         Answer button;
+        bool startOnly = false;
     };
 
     class Host : public DialogHost
@@ -113,7 +116,9 @@ private:
             return std::nullopt;
         }
         const Expectation next = expected_.front();
-        const bool sameWords = kind == Kind::Error ? text.contains(next.text) : text == next.text;
+        const bool sameWords = kind == Kind::Error ? text.contains(next.text)
+                               : next.startOnly    ? text.startsWith(next.text)
+                                                   : text == next.text;
         if (next.kind != kind || !sameWords) {
             fail(u"expected %1, but there came %2"_s.arg(describe(next), describe(came)));
             return std::nullopt;
