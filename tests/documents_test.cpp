@@ -6,12 +6,12 @@
 #include "documents/line_entry.h"
 #include "documents/new_goods_panel.h"
 #include "ledger/Module1.h"
-#include "ledger_fixture.h"
 #include "memory_desktop.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
 #include "platform/widgets/grid.h"
 #include "scripted_dialogs.h"
+#include "session_fixture.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -110,26 +110,13 @@ private slots:
              {u"'A1','六角螺栓','001','个','M8',2,3,10", u"'A2','平垫圈','001','片','8',0.5,1,100",
               u"'A3','电缆','001','米','BVR 2.5',4,6,0"})
             ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F7,F71,F8) values ("_s + QString::fromUtf16(goods) + u')');
-        resetSession();
-        gDB = ledger_->open();
-        gRights.set();
-        gOperId = u"001"_s;
-        gOperName = u"王小敏"_s;
-        gCanSeeCost = true;
-        setClock(QDateTime(QDate(2004, 11, 18), QTime(9, 5, 3)));
-        LoadSettings();
-        LoadYearStart();
+        beginSession(*ledger_, u"王小敏"_s);
     }
 
     void cleanup()
     {
-        for (Form* form : QList<Form*>(Form::all())) {
-            form->setProperty("Edstu", 0);
-            form->Unload();
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        endSession();
         boxes_.reset();
-        resetSession();
     }
 
     // Arithmetic ------------------------------------------------------------------------------------------------------

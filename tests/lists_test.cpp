@@ -3,7 +3,6 @@
 
 #include "ledger/Module1.h"
 #include "ledger/engine.h"
-#include "ledger_fixture.h"
 #include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/base/clock.h"
@@ -14,6 +13,7 @@
 #include "reports/C3.h"
 #include "reports/Lst.h"
 #include "scripted_dialogs.h"
+#include "session_fixture.h"
 
 #include <QLabel>
 #include <QtTest>
@@ -151,14 +151,7 @@ private slots:
     {
         ledger_ = std::make_unique<LedgerFixture>();
         boxes_ = std::make_unique<ScriptedDialogs>();
-        setClock(QDateTime(QDate(2004, 11, 18), QTime(9, 5, 3)));
-        resetSession();
-        gDB = ledger_->open();
-        gOperId = u"001"_s;
-        gRights.set();
-        gCanSeeCost = true;
-        gLedgerName = u"五金帐本"_s;
-        LoadSettings();
+        beginSession(*ledger_);
         setStatusHost({[this](int panel, const QString& text) {
                            if (panel == 4)
                                status_ = text;
@@ -168,12 +161,9 @@ private slots:
 
     void cleanup()
     {
-        for (Form* form : QList<Form*>(Form::all()))
-            form->Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        endSession();
         boxes_.reset();
         setStatusHost({});
-        resetSession();
     }
 
     // Stock -----------------------------------------------------------------------------------------------------------

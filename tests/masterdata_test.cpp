@@ -4,7 +4,6 @@
 #include "admin/S1.h"
 #include "ledger/Module1.h"
 #include "ledger/engine.h"
-#include "ledger_fixture.h"
 #include "masterdata/A4.h"
 #include "masterdata/code_table_form.h"
 #include "memory_desktop.h"
@@ -12,6 +11,7 @@
 #include "platform/widgets/grid.h"
 #include "platform/widgets/picture.h"
 #include "scripted_dialogs.h"
+#include "session_fixture.h"
 
 #include <QListWidget>
 #include <QTabBar>
@@ -112,24 +112,13 @@ private slots:
     {
         ledger_ = std::make_unique<LedgerFixture>();
         boxes_ = std::make_unique<ScriptedDialogs>();
-        resetSession();
-        gDB = ledger_->open();
-        gOperId = u"001"_s;
-        gRights.set();
-        gCanSeeCost = true;
-        gLedgerName = u"五金帐本"_s;
-        LoadSettings();
+        beginSession(*ledger_);
     }
 
     void cleanup()
     {
-        for (Form* form : QList<Form*>(Form::all())) {
-            form->setProperty("Edstu", 0);
-            form->Unload();
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        endSession();
         boxes_.reset();
-        resetSession();
     }
 
     // Partners and categories -----------------------------------------------------------------------------------------

@@ -7,13 +7,13 @@
 #include "documents/document_form.h"
 #include "documents/line_entry.h"
 #include "ledger/Module1.h"
-#include "ledger_fixture.h"
 #include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/base/clock.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/picture.h"
 #include "scripted_dialogs.h"
+#include "session_fixture.h"
 #include "shell/BGForm.h"
 #include "shell/Login.h"
 #include "shell/MForm.h"
@@ -127,29 +127,16 @@ private slots:
         background_ = std::make_unique<BGForm>(nullptr);
         background_->fitTo({320, 180});
         ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F7,F71,F8) values ('A1','螺栓','001','个','M8',2,3,10)"_s);
-        resetSession();
+        beginSession(*ledger_);
         setProgramFolder(folder_->path());
         writeBytes(beside(u"syspic.dat"_s), pictureBytes("JPG", Qt::blue));
-        gDB = ledger_->open();
-        gRights.set();
-        gOperId = u"001"_s;
-        gOperName = u"管理员"_s;
-        gCanSeeCost = true;
-        setClock(QDateTime(QDate(2004, 11, 18), QTime(9, 5, 3)));
-        LoadSettings();
-        LoadYearStart();
     }
 
     void cleanup()
     {
-        for (Form* form : QList<Form*>(Form::all())) {
-            form->setProperty("Edstu", 0);
-            form->Unload();
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        endSession();
         background_.reset();
         boxes_.reset();
-        resetSession();
     }
 
     // Function settings: loading and coupling -------------------------------------------------------------------------
