@@ -1,7 +1,8 @@
 # One flat, movable program folder at the prefix: the program, and beside it the files that it reads.
 # What an operator makes there (ledgers, their list, backups, pictures) has names of its own and is never touched.
 install(TARGETS hcn play RUNTIME DESTINATION .)
-install(FILES data/Learn.dat ${CMAKE_BINARY_DIR}/program/syspic.dat ${CMAKE_BINARY_DIR}/program/zb.ico DESTINATION .)
+install(FILES data/Learn.dat ${CMAKE_BINARY_DIR}/program/demo.hcn ${CMAKE_BINARY_DIR}/program/syspic.dat
+              ${CMAKE_BINARY_DIR}/program/zb.ico DESTINATION .)
 
 # The template is also the first ledger of a new folder, so a folder that has one keeps it.
 install(CODE "

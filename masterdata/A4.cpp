@@ -97,7 +97,7 @@ void A4::buildList()
                     {u"所属类别"_s, 110},
                     {u"计量单位"_s, 76},
                     {u"规格型号"_s, 150},
-                    {u"价格"_s, 96, ColumnKind::Number},
+                    {u"价格"_s, 130, ColumnKind::Number},
                     {u"备注"_s, 160, ColumnKind::Text, false, true},
                     {u"类别编码"_s, 84},
                     {u"销售价格"_s, 96, ColumnKind::Number}});

@@ -20,7 +20,7 @@ file(REMOVE_RECURSE ${scratch})
 # A folder made at any prefix is complete.
 set(folder "${scratch}/我的 程序")
 run_cmake(--install ${build} --prefix ${folder})
-foreach(name hcn play vemaro.dat Learn.dat syspic.dat zb.ico)
+foreach(name hcn play vemaro.dat Learn.dat syspic.dat zb.ico demo.hcn)
   if(NOT EXISTS "${folder}/${name}")
     message(FATAL_ERROR "The installation lacks ${name}")
   endif()
