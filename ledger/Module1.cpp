@@ -9,7 +9,26 @@
 
 #include <array>
 
+QString clockDoubt()
+{
+    std::optional<QDate> newest;
+    for (const char16_t* statement :
+         {u"select top 1 H8 from TB1 order by H8 desc", u"select top 1 H8 from TB3 order by H8 desc",
+          u"select top 1 H8 from TD1 order by H8 desc", u"select top 1 H8 from TD3 order by H8 desc",
+          u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc"})
+        if (const auto day = parseDate(LookupValue(gDB, QString::fromUtf16(statement)));
+            day && (!newest || *day > *newest))
+            newest = day;
+    constexpr int yearsOfRest = 2; // a ledger may well lie unused that long
+    if (!newest || (Today() >= *newest && Today() < newest->addYears(yearsOfRest)))
+        return {};
+    return u"请核对电脑的日期！今天是 "_s + todayText() + u"，"_s +
+           (Today() < *newest ? u"早于帐本中最新的记录 "_s : u"比帐本中最新的记录晚了两年以上："_s) +
+           dateText(*newest) + u"。日期不对时，请不要录入单据或保存报表。"_s;
+}
+
 const QString noNumberLeft = u"请录入单据号"_s;
+const QString busyText = u"请稍候，系统正在读入数据……"_s;
 
 namespace {
 
@@ -118,6 +137,13 @@ QString PartnerName(const QString& text)
     return name.isEmpty() || name == u"NoFound" ? code : name;
 }
 
+void EnsureDefaultRow(const QString& table, const QString& name)
+{
+    const QString first = LookupValue(gDB, u"select F1 from "_s + table);
+    if (first.isEmpty() || first == u"NoFound")
+        gDB.Execute(u"insert into "_s + table + u" (F1,F2) values ('001',"_s + sqlText(name) + u')');
+}
+
 void LoadSettings()
 {
     struct Setting
@@ -157,7 +183,7 @@ void LedgerStatus()
 
 void BusyStatus()
 {
-    setStatusPanel(ledgerPanel, u"请稍候，系统正在读入数据……"_s);
+    setStatusPanel(ledgerPanel, busyText);
 }
 
 void SavedNotice()

@@ -19,6 +19,10 @@ double SplitSub(double a, double b);
 /// @throws nothing: a failed look-up falls through to the next source
 void LoadYearStart();
 
+/// Why the machine's date can't be right as the ledger sees it: before its newest booking or saved report, or years
+/// after. One report saved on a wrong day locks all documents before it. "" when nothing speaks against the date.
+QString clockDoubt();
+
 /// What `NextDocNumber` answers when the month's numbers are used up; it must be overtyped.
 extern const QString noNumberLeft;
 /// The next number for a document: prefix, year, month and day in two digits each, and a sequence of four digits that
@@ -37,10 +41,16 @@ void DanNoRelease(const QString& no);
 /// The partner's name for a code, or for a list entry "code.name": supplier first, then consignee, else the code.
 QString PartnerName(const QString& text);
 
+/// Puts a row "001" with that name into a master table that has no row left (or none with a code that can be told).
+/// @throws StoreError
+void EnsureDefaultRow(const QString& table, const QString& name);
+
 /// Reads `sysinfo` into the settings globals; a setting without a row keeps its value.
 /// @throws StoreError
 void LoadSettings();
 
+/// What panel 4 of the status bar says while a report reads.
+extern const QString busyText;
 /// Panel 4 of the status bar shows the ledger's name, or that the program is busy.
 void LedgerStatus();
 void BusyStatus();

@@ -1,6 +1,7 @@
 #include "ledger/create.h"
 
 #include "ledger/engine.h"
+#include "ledger/format.h"
 #include "platform/base/text.h"
 
 #include <QFile>
@@ -21,6 +22,8 @@ void createLedger(const QString& path, const QString& schema, const QString& con
     for (const QByteArray& statements : {QByteArray("begin"), schema.toUtf8(), QByteArray("commit")})
         if (code == SQLITE_OK)
             code = sqlite3_exec(database, statements.constData(), nullptr, nullptr, nullptr);
+    if (code == SQLITE_OK)
+        code = bringUp(database);
     if (code == SQLITE_OK) {
         sqlite3_close(database);
         return;

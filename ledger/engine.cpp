@@ -1,6 +1,7 @@
 #include "ledger/engine.h"
 
 #include "ledger/alone.h"
+#include "ledger/format.h"
 #include "platform/base/text.h"
 
 #include <QDir>
@@ -159,7 +160,8 @@ constexpr const char* connectionSettings[] = {
     "pragma cache_size = -64000", // KiB; decrypted pages cost nothing then
     "pragma cache_spill = off",   // a spill would lock out all readers to the end of the run
     "pragma secure_delete = off", // scratch tables are emptied all the time, and the file is encrypted anyway
-    "pragma synchronous = full",
+    // The end of the journal is synced too: else a power cut could bring it back and undo what was told as saved.
+    "pragma synchronous = extra",
     "pragma journal_mode = delete", // ledgers lie in shared folders, where a write-ahead log can't be used
 };
 
@@ -195,7 +197,7 @@ std::unique_ptr<LedgerConnection> LedgerConnection::open(const QString& path, co
     const QString ledger = file.canonicalFilePath();
 
     std::unique_ptr<LedgerConnection> connection(new LedgerConnection);
-    const bool ours = use == Use::Aside && keptAlone.contains(ledger);
+    const bool ours = use == Use::Unnamed || (use == Use::Aside && keptAlone.contains(ledger));
     const auto presence =
         ours ? LockFile::Outcome::Held : connection->presence_.take(lockFileOf(ledger), LockFile::Hold::Shared, ledger);
     if (presence == LockFile::Outcome::Refused)
@@ -238,11 +240,25 @@ void LedgerConnection::configure(const QString& password, const QString& path, U
                      u"文件“"_s + QDir::toNativeSeparators(path) +
                          u"”不是本系统的帐本文件，或者密码不对。请选择正确的帐本文件。"_s,
                      code == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errstr(code)));
+    int format = 0;
+    if (code == SQLITE_OK)
+        code = readFormat(database_, format);
     if (code != SQLITE_OK)
         throw engineError(database_, code, {}, false);
-    if (use == Use::Session && sqlite3_db_readonly(database_, "main") == 1)
+    if (format > ledgerFormat)
+        refuseToOpen(StoreError::Kind::NotLedger,
+                     u"帐本文件“"_s + QDir::toNativeSeparators(path) +
+                         u"”是更新版本的程序使用过的，本版本不能打开。请升级程序后再打开。"_s);
+    if (use != Use::Session)
+        return;
+    if (sqlite3_db_readonly(database_, "main") == 1)
         refuseToOpen(StoreError::Kind::Disk, u"帐本文件“"_s + QDir::toNativeSeparators(path) +
                                                  u"”是只读的，无法打开。请去掉文件的只读属性。"_s);
+    if (format < ledgerFormat)
+        code = bringUp(database_);
+    // While others work the ledger serves as it is; the next opening tries again.
+    if (code != SQLITE_OK && (code & 0xff) != SQLITE_BUSY)
+        throw engineError(database_, code, {}, false);
 }
 
 LedgerAlone::LedgerAlone(const QString& path)
@@ -602,6 +618,23 @@ RowArena LedgerConnection::select(const QString& statement)
         RowArena rows;
         readAll(prepared, statement, rows);
         return rows;
+    });
+}
+
+void LedgerConnection::walk(const QString& statement, const std::function<void(sqlite3_stmt*)>& take)
+{
+    noting([&] {
+        const dialect::Shape shape = dialect::scan(statement);
+        beforeRead();
+        Prepared& prepared = preparedFor(statement, shape);
+        requireKind(prepared, true, statement);
+        const InUse use(prepared);
+        bind(prepared, shape.literals);
+        int code = SQLITE_OK;
+        while ((code = sqlite3_step(prepared.statement)) == SQLITE_ROW)
+            take(prepared.statement);
+        if (code != SQLITE_DONE)
+            throw engineError(database_, code, statement, false);
     });
 }
 

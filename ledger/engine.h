@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <array>
+#include <functional>
 #include <list>
 #include <memory>
 #include <optional>
@@ -63,8 +64,9 @@ class LedgerConnection
 {
 public:
     /// Session: takes part in the locking between sessions and must be able to write. Aside: a step of a copy, which
-    /// may read what lies on a read-only medium, also while this process keeps the ledger for itself.
-    enum class Use { Session, Aside };
+    /// may read what lies on a read-only medium, also while this process keeps the ledger for itself. Unnamed: a file
+    /// that is being made and that nobody else knows of.
+    enum class Use { Session, Aside, Unnamed };
 
     /// @throws StoreError: Missing, NotLedger, Locked, Disk, Damaged. Nothing is created or changed in any of these.
     static std::unique_ptr<LedgerConnection> open(const QString& path, const QString& password, Use use);
@@ -77,6 +79,8 @@ public:
     // Statements of the dialect. All throw StoreError.
     void execute(const QString& statement);
     RowArena select(const QString& statement);
+    /// Shows each row while the statement stands on it.
+    void walk(const QString& statement, const std::function<void(sqlite3_stmt*)>& take);
     /// The first column of the first row; nothing if there is no row.
     std::optional<QString> firstText(const QString& statement);
 

@@ -5,6 +5,11 @@ QString sqlText(QStringView text)
     QString quoted;
     quoted.reserve(text.size() + 2);
     quoted += u'\'';
+    if (!text.contains(u'\'')) { // nearly all
+        quoted += text;
+        quoted += u'\'';
+        return quoted;
+    }
     for (const QChar c : text) {
         quoted += c;
         if (c == u'\'')

@@ -1,4 +1,5 @@
--- What a ledger holds when it is new. docs/ledger.md tells what the tables are for.
+-- What a ledger holds when it is new; its indexes come with its format (format.cpp). docs/ledger.md tells what the
+-- tables are for.
 --
 -- Text columns compare without regard to ASCII case, so that codes meet however they were typed. No key is unique:
 -- the forms look a code up before they insert it, and a row that two sessions inserted at the same moment is theirs to
@@ -10,18 +11,14 @@ create table TA1 (F1 text collate nocase, F2 text collate nocase, F3 text collat
     F5 text collate nocase, F6 text collate nocase, F7 text collate nocase);
 create table TA2 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F4 text collate nocase,
     F5 text collate nocase, F6 text collate nocase, F7 text collate nocase);
-create index TA1_F1 on TA1 (F1);
-create index TA2_F1 on TA2 (F1);
 
 -- Categories of goods
 create table TA3 (F1 text collate nocase, F2 text collate nocase);
-create index TA3_F1 on TA3 (F1);
 
 -- Goods with their live stock (F8) and cost (F7)
 create table TA4 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F4 text collate nocase,
     F5 text collate nocase, F6 text collate nocase, F7 real, F71 real, F8 real, F9 text collate nocase,
     F11 text collate nocase, V1 real, V2 real, V3 real, V4 real, V5 real);
-create index TA4_F1 on TA4 (F1);
 create table NTA4 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F4 text collate nocase,
     F5 text collate nocase, F6 text collate nocase, F7 real, F71 real, F8 real, F9 text collate nocase,
     F11 text collate nocase, V1 real, V2 real, V3 real, V4 real, V5 real);
@@ -35,14 +32,6 @@ create table TD1 (F1 text collate nocase, F2 text collate nocase, F3 text collat
     F6 text collate nocase, F9 real, F10 text collate nocase, H8 text collate nocase);
 create table TD3 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F5 text collate nocase,
     F6 text collate nocase, F9 real, F10 text collate nocase, H8 text collate nocase);
-create index TB1_F1 on TB1 (F1);
-create index TB3_F1 on TB3 (F1);
-create index TD1_F1 on TD1 (F1);
-create index TD3_F1 on TD3 (F1);
-create index TB1_day on TB1 (dayno(F2));
-create index TB3_day on TB3 (dayno(F2));
-create index TD1_day on TD1 (dayno(F2));
-create index TD3_day on TD3 (dayno(F2));
 
 create table TB11 (F0 text collate nocase, F1 text collate nocase, F6 real, F7 real, F8 text collate nocase,
     H6 real, H7 real, H8 text collate nocase);
@@ -52,23 +41,11 @@ create table TD11 (F0 text collate nocase, F1 text collate nocase, F6 real, F7 r
     H6 real, H7 real, H8 text collate nocase);
 create table TD31 (F0 text collate nocase, F1 text collate nocase, F6 real, F7 real, F8 text collate nocase,
     H6 real, H7 real, H8 text collate nocase);
-create index TB11_F0 on TB11 (F0);
-create index TB31_F0 on TB31 (F0);
-create index TD11_F0 on TD11 (F0);
-create index TD31_F0 on TD31 (F0);
-create index TB11_goods on TB11 (F1, F0, F6, F7); -- answers the sums of a goods item by itself
-create index TB31_goods on TB31 (F1, F0, F6, F7);
-create index TD11_goods on TD11 (F1, F0, F6, F7);
-create index TD31_goods on TD31 (F1, F0, F6, F7);
 
 -- Stock-takes
 create table TC2 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F5 text collate nocase,
     F6 text collate nocase, F9 real, F10 text collate nocase);
 create table TC21 (F0 text collate nocase, F1 text collate nocase, F5 real, F6 real, F7 real, F8 text collate nocase);
-create index TC2_F1 on TC2 (F1);
-create index TC2_day on TC2 (dayno(F2));
-create index TC21_F0 on TC21 (F0);
-create index TC21_F1 on TC21 (F1);
 
 -- Operators, settings, identity
 create table TE1 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F61 integer, F62 integer,
@@ -80,14 +57,11 @@ create table theVer (Versn text collate nocase);
 
 -- Numbers given out
 create table DanNo (DanF1 text collate nocase, Flg integer, Other text collate nocase);
-create index DanNo_DanF1 on DanNo (DanF1);
 
 -- Saved period reports
 create table jxc (SortNo integer, Bdate text collate nocase, Edate text collate nocase, Hpbm text collate nocase,
     Gprice real, [As] real, Aj real, Bs real, Bj real, Cs real, Cj real, Ds real, Dj real, Es real, Ej real, Fs real,
     Fj real, Gs real, Gj real);
-create index jxc_goods on jxc (Hpbm, SortNo);
-create index jxc_period on jxc (SortNo, Bdate, Edate);
 
 -- Flow ledger: scratch and last settings
 create table TC15 (F1 text collate nocase, F2 text collate nocase, F3 text collate nocase, F4 text collate nocase,

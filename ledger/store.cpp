@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <exception>
+#include <map>
 #include <sqlcipher/sqlite3.h>
 
 // ---- Recordset ------------------------------------------------------------------------------------------------------
@@ -360,6 +361,37 @@ Recordset Database::OpenRecordset(const QString& statementOrTable, RecordsetType
     return Recordset(std::move(rows));
 }
 
+void Database::walk(const QString& statement, const std::function<void(const PassingRow&)>& take)
+{
+    connection().walk(statement, [&take](sqlite3_stmt* row) { take(PassingRow(row)); });
+}
+
+QStringList integrityFaults(Database& db)
+{
+    const RowArena rows = db.connection().selectOwn(u"pragma integrity_check(10)"_s);
+    QStringList faults;
+    for (qsizetype row = 0; row < rows.rowCount(); ++row)
+        if (const QString line = rows.value(row, 0).text(); line != u"ok")
+            faults += line;
+    return faults;
+}
+
+bool PassingRow::isNull(int column) const
+{
+    return sqlite3_column_type(at_, column) == SQLITE_NULL;
+}
+
+double PassingRow::number(int column) const
+{
+    return sqlite3_column_double(at_, column);
+}
+
+std::string_view PassingRow::text(int column) const
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(at_, column));
+    return text ? std::string_view(text, size_t(sqlite3_column_bytes(at_, column))) : std::string_view();
+}
+
 void Database::Close()
 {
     const std::unique_ptr<LedgerConnection> closing = std::move(connection_);
@@ -376,6 +408,30 @@ Database DBEngine::OpenDatabase(const QString& path, const QString& connect)
 }
 
 namespace {
+
+using RowCounts = std::map<QString, double>;
+
+/// How many rows each table holds, by the table itself: an index may be what is at fault.
+RowCounts rowCounts(LedgerConnection& ledger)
+{
+    RowCounts counts;
+    const RowArena tables =
+        ledger.selectOwn(u"select name from sqlite_master where type = 'table' and name not like 'sqlite_%'"_s);
+    for (qsizetype i = 0; i < tables.rowCount(); ++i) {
+        const QString name = tables.value(i, 0).text();
+        counts[name] = ledger.selectOwn(u"select count(*) from ["_s + name + u"] not indexed"_s).value(0, 0).number();
+    }
+    return counts;
+}
+
+bool isSound(LedgerConnection& ledger)
+{
+    try {
+        return ledger.selectOwn(u"pragma integrity_check(1)"_s).value(0, 0).text() == u"ok";
+    } catch (const StoreError&) { // a page that can't be read at all
+        return false;
+    }
+}
 
 /// A copy that is on its way. What isn't finished is removed.
 class HalfCopy
@@ -422,21 +478,33 @@ public:
         };
         check(sqlite3_exec(source, "pragma user_version", readVersion, &version, nullptr), source);
         const QByteArray keepVersion = "pragma compacted.user_version = " + version; // the export leaves it out
-        for (const char* step :
-             {"pragma cipher_default_compatibility = 3", attach.constData(), "pragma compacted.cipher_page_size = 4096",
-              "select sqlcipher_export('compacted')", keepVersion.constData(), "detach compacted"}) {
+        for (const char* step : {"pragma cipher_default_compatibility = 3", attach.constData(),
+                                 "pragma compacted.cipher_page_size = 4096", "pragma compacted.synchronous = full",
+                                 "select sqlcipher_export('compacted')", keepVersion.constData(), "detach compacted"}) {
             const int code = sqlite3_exec(source, step, nullptr, nullptr, nullptr);
             check(code == SQLITE_ERROR ? SQLITE_IOERR : code, source); // the export keeps to itself what failed in it
         }
+    }
+    /// Opens the copy as a ledger and compares it with what was counted in the source.
+    void prove(const RowCounts& expected, const QString& password, bool sourceIsSound = true) const
+    {
+        const auto copy = LedgerConnection::open(path_, password, LedgerConnection::Use::Unnamed);
+        if ((sourceIsSound && !isSound(*copy)) || rowCounts(*copy) != expected)
+            throw StoreError(
+                {.kind = StoreError::Kind::Damaged,
+                 .what = u"复制出来的文件没有通过检查，已经删除。帐本或者磁盘可能有损坏，请检查后再试。"_s});
     }
     void giveName()
     {
         if (!renameDurably(path_, target_))
             check(SQLITE_CANTOPEN);
     }
-    void takePlace()
+    void takePlace(const QString& password)
     {
-        QFile::remove(target_ + u"-journal"_s); // of a crash: it belongs to the old file and would spoil the new one
+        settleJournal(password);
+        // Whoever could work in the old file can work in the new one.
+        if (const QFileInfo old(target_); old.exists())
+            QFile::setPermissions(path_, old.permissions());
         if (!replaceDurably(path_, target_))
             check(SQLITE_CANTOPEN);
     }
@@ -448,6 +516,20 @@ private:
             throw engineError(at, code, {}, false);
     }
     static QByteArray quoted(const QString& text) { return sqlText(text).toUtf8(); }
+    /// The journal of a crash would spoil the new file, but until that stands in its place the old one needs it: so
+    /// the old one takes it in. One that can't even be opened is of no use any more, nor is its journal.
+    void settleJournal(const QString& password) const
+    {
+        const QString journal = target_ + u"-journal"_s;
+        if (!QFile::exists(journal))
+            return;
+        try {
+            LedgerConnection::open(target_, password, LedgerConnection::Use::Aside);
+        } catch (const StoreError&) {
+        }
+        if (!removeDurably(journal))
+            check(SQLITE_CANTOPEN);
+    }
     void remove()
     {
         QFile::remove(path_);
@@ -472,14 +554,23 @@ void requireFree(const QString& target)
 
 } // namespace
 
+bool DBEngine::checkLedger(const QString& path, const QString& connect)
+{
+    return isSound(*LedgerConnection::open(resolvedPath(path), passwordOf(connect), LedgerConnection::Use::Aside));
+}
+
 void DBEngine::copyDatabase(const QString& source, const QString& target, const QString& connect)
 {
     const QString password = passwordOf(connect);
-    const auto from = LedgerConnection::open(resolvedPath(source), password, LedgerConnection::Use::Aside);
+    auto from = LedgerConnection::open(resolvedPath(source), password, LedgerConnection::Use::Aside);
     const QString to = localPath(target);
     requireFree(to);
     HalfCopy copy(to);
+    from->beginReading(); // others may be writing: what is counted and what is copied are one state
+    const RowCounts rows = rowCounts(*from);
     copy.fill(from->handle(), password);
+    from.reset(); // nobody waits while the copy is read
+    copy.prove(rows, password);
     copy.giveName();
 }
 
@@ -491,24 +582,35 @@ void DBEngine::CompactDatabase(const QString& source, const QString& target, con
     const QString to = localPath(target);
     requireFree(to);
     HalfCopy copy(to);
+    RowCounts rows;
     {
         const auto from = LedgerConnection::open(path, password, LedgerConnection::Use::Aside);
+        rows = rowCounts(*from);
         copy.fillCompacted(from->handle(), password);
     }
+    copy.prove(rows, password);
     copy.giveName();
 }
 
 void DBEngine::replaceDatabase(const QString& source, const QString& target, const QString& connect)
 {
     const QString password = passwordOf(connect);
-    const QString to = resolvedPath(target);
+    const QString named = resolvedPath(target);
+    const QFileInfo present(named);
+    const QString to = present.exists() ? present.canonicalFilePath() : named; // a link goes on leading to the ledger
     const LedgerAlone alone(to);
     HalfCopy copy(to);
+    RowCounts rows;
+    bool sound = false;
     {
         const auto from = LedgerConnection::open(resolvedPath(source), password, LedgerConnection::Use::Aside);
+        from->beginReading();
+        sound = isSound(*from);
+        rows = rowCounts(*from);
         copy.fill(from->handle(), password);
     }
-    copy.takePlace();
+    copy.prove(rows, password, sound); // with a fault of its source it is better than no ledger
+    copy.takePlace(password);
 }
 
 QString LookupValue(Database& db, const QString& sql)

@@ -6,10 +6,14 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <memory>
+#include <string_view>
 
 class LedgerConnection;
+struct sqlite3_stmt;
 
 enum class RecordsetType { Dynaset = 2, Snapshot = 4 };
 
@@ -55,6 +59,21 @@ private:
     std::unique_ptr<Rows> rows_;
 };
 
+/// The row that a walk through a statement has come to; it lives for that call only.
+class PassingRow
+{
+public:
+    explicit PassingRow(sqlite3_stmt* at)
+        : at_(at)
+    {}
+    bool isNull(int column) const;
+    double number(int column) const;         ///< a Null gives 0
+    std::string_view text(int column) const; ///< in UTF-8, until the row has passed; a Null gives ""
+
+private:
+    sqlite3_stmt* at_;
+};
+
 /// An open ledger. `gDB` is the one of the session.
 class Database
 {
@@ -71,6 +90,10 @@ public:
     /// A statement, or a bare table name.
     /// @throws StoreError
     Recordset OpenRecordset(const QString& statementOrTable, RecordsetType type = RecordsetType::Snapshot);
+    /// Shows the rows of a statement one after the other and keeps none: for sums over more lines than a recordset
+    /// should hold. `take` neither uses the ledger nor shows a box.
+    /// @throws StoreError
+    void walk(const QString& statement, const std::function<void(const PassingRow&)>& take);
     void Close();
 
     LedgerConnection& connection(); ///< for the store's own helpers; throws StoreError when nothing is open
@@ -86,20 +109,31 @@ public:
     /// Opens a ledger that exists; never creates a file. The connect text is ";PWD=" and the password.
     /// @throws StoreError: no such file, no ledger, another password, locked, damaged
     static Database OpenDatabase(const QString& path, const QString& connect);
+    /// Opens a file as a ledger, also one that may only be read, and closes it again.
+    /// @return whether the engine finds all of it sound
+    /// @throws StoreError: no such file, no ledger, another password
+    static bool checkLedger(const QString& path, const QString& connect);
     /// Copies a ledger to a path where no file may be, through the engine's backup, so that also one that is open in
-    /// this process is copied whole and keeps its locks. The copy is synced, then gets its name.
+    /// this process is copied whole and keeps its locks. Others may write meanwhile; they wait while it is read. The
+    /// copy is synced and proven (it opens, it is sound, each table has the source's rows), then gets its name.
     /// @throws StoreError; no half copy is left behind
     static void copyDatabase(const QString& source, const QString& target, const QString& connect);
     /// The same, without the room that deleted rows have left. The source must not be open in any session.
     /// @throws StoreError (Locked) when it is; no half copy is left behind
     static void CompactDatabase(const QString& source, const QString& target, const QString& connect);
-    /// Puts a copy of a ledger in the place of another, which must not be open in any session and may be missing.
+    /// Puts a copy of a ledger in the place of another, which must not be open in any session and may be missing. The
+    /// other's lock is held until the end, and its place is taken in one step: also a power cut leaves the one or the
+    /// other. The copy is proven as above; a fault that the source has itself is no reason to refuse it.
     /// @throws StoreError; the other is then as it was
     static void replaceDatabase(const QString& source, const QString& target, const QString& connect);
 };
 
 /// The first column of the first row as text: a Null gives "", no row gives "NoFound", any failure gives "".
 QString LookupValue(Database& db, const QString& sql);
+
+/// What the engine's own check finds broken in the file, at most ten things; nothing when it is sound.
+/// @throws StoreError
+QStringList integrityFaults(Database& db);
 
 /// Gathers a command's statements into one commit. Opened after the command's last question and before its first read
 /// of what it will change: it takes the ledger's write lock at once, waiting as long as the busy time-out. Commits at

@@ -1,5 +1,6 @@
 #include "ledger/dialect_functions.h"
 #include "ledger/dialect_rewrite.h"
+#include "ledger/format.h"
 #include "platform/base/date.h"
 #include "platform/base/text.h"
 #include "tests/statements.h"
@@ -24,7 +25,8 @@ public:
         dialect::registerFunctions(database_);
         QFile schema(QStringLiteral(LEDGER_SCHEMA));
         if (!schema.open(QIODevice::ReadOnly) ||
-            sqlite3_exec(database_, schema.readAll().constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
+            sqlite3_exec(database_, schema.readAll().constData(), nullptr, nullptr, nullptr) != SQLITE_OK ||
+            bringUp(database_) != SQLITE_OK)
             qFatal("schema.sql: %s", sqlite3_errmsg(database_));
     }
     ~Engine() { sqlite3_close(database_); }

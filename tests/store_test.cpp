@@ -1,11 +1,13 @@
 #include "ledger/alone.h"
 #include "ledger/engine.h"
+#include "ledger/format.h"
 #include "ledger/literal.h"
+#include "ledger/presence.h"
 #include "ledger/store.h"
 #include "platform/base/dialogs.h"
-#include "tests/faulty_disk.h"
 #include "tests/ledger_fixture.h"
 #include "tests/statements.h"
+#include "tools/faulty_disk.h"
 
 #include <QProcess>
 #include <QTest>
@@ -111,6 +113,9 @@ private slots:
     void refusedFileStaysAsItIs();
     void damagedLedgerIsTold();
     void presenceLock();
+    void marksTellWhoIsHere();
+    void earlierFormatIsBroughtUp();
+    void laterFormatIsRefused();
     void runCommitsOnce();
     void runKeepsWhatRan();
     void failedManyRowStatementLeavesNoRow();
@@ -398,6 +403,80 @@ void StoreTest::presenceLock()
     }
     QVERIFY(ledger.open().isOpen());
     QCOMPARE(ledger.files(), QStringList(u"帐本.hcn"_s));
+}
+
+void StoreTest::marksTellWhoIsHere()
+{
+    LedgerFixture ledger;
+    const QString start = ledger.path() + u"-open-"_s;
+    const auto putMark = [&start](const QString& host, const QString& name, int secondsAgo) {
+        QVERIFY(writeLines(start + host, {host, name, u"2004-1-5 9:05:00"_s}));
+        QFile file(start + host);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-secondsAgo), QFile::FileModificationTime));
+    };
+    const auto names = [](const PresenceMark& mark) {
+        QStringList all;
+        for (const PresentSession& session : mark.sessions())
+            all += session.operatorName + (session.ours ? u"!"_s : QString());
+        all.sort();
+        return all;
+    };
+    {
+        PresenceMark mark;
+        mark.place(ledger.path(), u"张三"_s);
+        putMark(u"host2-1"_s, u"李四"_s, PresenceMark::secondsBetweenTouches);
+        putMark(u"host3-1"_s, u"死机的"_s, PresenceMark::secondsToLapse + 10);
+        putMark(u"host4-1"_s, u"早已不在的"_s, 3 * 24 * 60 * 60);
+        QCOMPARE(names(mark), QStringList({u"张三!"_s, u"李四"_s}));
+        QVERIFY(QFile::exists(start + u"host3-1"_s));
+        QVERIFY(!QFile::exists(start + u"host4-1"_s));
+        mark.place(ledger.path(), u"王五"_s);
+        QCOMPARE(names(mark), QStringList({u"李四"_s, u"王五!"_s}));
+    }
+    QCOMPARE(ledger.files().filter(u"-open-"_s).size(), 2);
+}
+
+/// The first format had no number, and no index if another tool had made it anew. The file is one that the first
+/// version wrote, so it also holds the cipher parameters that every later library must go on reading.
+void StoreTest::earlierFormatIsBroughtUp()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"旧帐本.hcn"_s);
+    QVERIFY(QFile::copy(QStringLiteral(TEST_DATA "/first_format.hcn"), path));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    const auto indexCount = [](LedgerConnection& connection) {
+        return connection.selectOwn(u"select count(*) from sqlite_master where type = 'index'"_s).value(0, 0).number();
+    };
+    Database made = DBEngine::OpenDatabase(LedgerFixture::pristine(), ledgerConnect.toString());
+    const double wanted = indexCount(made.connection());
+    {
+        Database old = DBEngine::OpenDatabase(path, ledgerConnect.toString());
+        old.connection().executeOwn(u"drop index TA4_F1"_s, {});
+        old.connection().executeOwn(u"drop index TB1_day"_s, {});
+        sqlite3_exec(old.connection().handle(), "pragma user_version = 0", nullptr, nullptr, nullptr);
+        QCOMPARE(indexCount(old.connection()), wanted - 2);
+    }
+    Database raised = DBEngine::OpenDatabase(path, ledgerConnect.toString());
+    QCOMPARE(indexCount(raised.connection()), wanted);
+    int format = 0;
+    QCOMPARE(readFormat(raised.connection().handle(), format), SQLITE_OK);
+    QCOMPARE(format, ledgerFormat);
+    QCOMPARE(LookupValue(raised, u"select F1 from TE1"_s), u"001"_s);
+}
+
+void StoreTest::laterFormatIsRefused()
+{
+    LedgerFixture ledger;
+    {
+        Database database = ledger.open();
+        const QByteArray later = "pragma user_version = " + QByteArray::number(ledgerFormat + 1);
+        QCOMPARE(sqlite3_exec(database.connection().handle(), later.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    const QByteArray bytes = bytesOf(ledger.path());
+    const auto failure = failureOf([&] { ledger.open(); });
+    QVERIFY(failure && failure->description().contains(u"更新版本"_s));
+    QCOMPARE(bytesOf(ledger.path()), bytes);
 }
 
 void StoreTest::runCommitsOnce()

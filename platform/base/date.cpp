@@ -26,9 +26,14 @@ bool takeCharacter(QStringView& text, QChar c)
     return true;
 }
 
-} // namespace
+struct DayAndTime
+{
+    QDate day;
+    QTime time;
+};
 
-std::optional<QDateTime> parseMoment(QStringView given)
+/// Not by way of a QDateTime, which asks the system for its time zone each time.
+std::optional<DayAndTime> readMoment(QStringView given)
 {
     const QString trimmed = Trim(given);
     QStringView text = trimmed;
@@ -45,7 +50,7 @@ std::optional<QDateTime> parseMoment(QStringView given)
         return {};
     const QDate date(year, month, day);
     if (text.isEmpty())
-        return QDateTime(date, QTime(0, 0));
+        return DayAndTime{date, QTime(0, 0)};
     if (!takeCharacter(text, u' '))
         return {};
     while (takeCharacter(text, u' ')) {
@@ -57,18 +62,26 @@ std::optional<QDateTime> parseMoment(QStringView given)
     const int second = takeCharacter(text, u':') ? takeNumber(text, 1, 2) : 0;
     if (!text.isEmpty() || !QTime::isValid(hour, minute, second))
         return {};
-    return QDateTime(date, QTime(hour, minute, second));
+    return DayAndTime{date, QTime(hour, minute, second)};
+}
+
+} // namespace
+
+std::optional<QDateTime> parseMoment(QStringView text)
+{
+    const auto moment = readMoment(text);
+    return moment ? std::optional(QDateTime(moment->day, moment->time)) : std::nullopt;
 }
 
 std::optional<QDate> parseDate(QStringView text)
 {
-    const auto moment = parseMoment(text);
-    return moment ? std::optional(moment->date()) : std::nullopt;
+    const auto moment = readMoment(text);
+    return moment ? std::optional(moment->day) : std::nullopt;
 }
 
 bool IsDate(QStringView text)
 {
-    return parseMoment(text).has_value();
+    return readMoment(text).has_value();
 }
 
 QString dateText(QDate date)

@@ -43,3 +43,11 @@ bool replaceDurably(const QString& from, const QString& to)
     syncFolderOf(to);
     return true;
 }
+
+bool removeDurably(const QString& path)
+{
+    if (!QFile::remove(path) && QFileInfo::exists(path))
+        return false;
+    syncFolderOf(path);
+    return true;
+}

@@ -7,3 +7,5 @@
 bool renameDurably(const QString& from, const QString& to);
 /// The same, but in place of what bears the name now: afterwards it is the one file or the other, whole.
 bool replaceDurably(const QString& from, const QString& to);
+/// Removes a file and does not return before that is on the disk. True when there is no such file any more.
+bool removeDurably(const QString& path);

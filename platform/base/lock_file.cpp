@@ -1,6 +1,9 @@
 #include "platform/base/lock_file.h"
 
-#include <QFile>
+#include "platform/base/text.h"
+
+#include <QCoreApplication>
+#include <QDir>
 #include <QThread>
 
 #ifdef Q_OS_WIN
@@ -21,6 +24,15 @@ namespace {
 constexpr int lockAttempts = 5;
 
 } // namespace
+
+bool LockFile::worksIn(const QString& folder)
+{
+    const QString probe = QDir(folder).filePath(u"lock-probe-%1"_s.arg(QCoreApplication::applicationPid()));
+    LockFile first;
+    LockFile second;
+    return first.take(probe, Hold::Exclusive, folder) != Outcome::Held ||
+           second.take(probe, Hold::Exclusive, folder) != Outcome::Held;
+}
 
 LockFile::~LockFile()
 {

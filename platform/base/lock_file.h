@@ -25,6 +25,10 @@ public:
     /// Gives the lock up; the last holder removes the file.
     void release();
 
+    /// Whether locks in that folder keep anybody out: a file that one handle has locked must be refused to a second
+    /// one. Some network folders grant every lock. True where no lock is granted at all.
+    static bool worksIn(const QString& folder);
+
 private:
     QString path_;
 #ifdef Q_OS_WIN
