@@ -1,6 +1,7 @@
 #include "platform/widgets/controls.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
+#include "platform/widgets/manual_window.h"
 #include "platform/widgets/status_panels.h"
 #include "platform/widgets/style.h"
 #include "platform/widgets/system_desktop.h"
@@ -19,10 +20,14 @@
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QProgressBar>
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
+#include <QTreeWidget>
+#include <QWindow>
 
 #include <stdexcept>
 
@@ -466,6 +471,14 @@ private slots:
         QCOMPARE(QApplication::clipboard()->text(), u"A1\t螺栓 M8 长\t10\nA2\t螺母\t-20\n"_s);
         lines.grid.setColumnVisible(1, false);
         QCOMPARE(lines.grid.selectionAsText(), u"A1\t10\nA2\t-20\n"_s);
+        // All of it, with captions, is also what is saved: what doesn't show stays behind.
+        QTest::keyClick(&lines.grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        const QString all = QApplication::clipboard()->text();
+        QCOMPARE(all.section(u'\n', 0, 0).count(u'\t'), 1);
+        QCOMPARE(all.section(u'\n', 1, 2), u"A1\t10\nA2\t-20"_s);
+        QCOMPARE(lines.grid.content().numeric, QList<bool>({false, true}));
+        lines.grid.clearRows();
+        QVERIFY(lines.grid.content().rows.isEmpty()); // the one empty row of an empty list is none
     }
 
     void clickOpensAlsoTheCurrentCell()
@@ -874,6 +887,25 @@ private slots:
         QTest::mouseClick(panels.findChild<QLabel*>(u"StB(4)"_s), Qt::LeftButton);
         QCOMPARE(clicked.count(), 1);
         QCOMPARE(clicked[0][0].toInt(), 4);
+
+        const auto* bar = panels.findChild<QProgressBar*>();
+        {
+            BusyProgress outer(u"正在读入数据……"_s, 4);
+            BusyProgress inner(u"里面的"_s, 9);
+            QCOMPARE(statusPanel(4), u"正在读入数据……"_s);
+            QVERIFY(QApplication::overrideCursor());
+            panels.host().progress(3, 4);
+            QVERIFY(bar->isVisible());
+            QCOMPARE(bar->value(), 75);
+        }
+        QVERIFY(!bar->isVisible());
+        QVERIFY(!QApplication::overrideCursor());
+        QCOMPARE(statusPanel(4), u"恒仓宁"_s);
+        {
+            BusyProgress done(u"正在读入数据……"_s);
+            setStatusPanel(4, u"共 7 行"_s);
+        }
+        QCOMPARE(statusPanel(4), u"共 7 行"_s); // what a form tells at the end of its work stays
         setStatusHost({});
     }
 
@@ -952,7 +984,8 @@ private slots:
         desktop->registerClass(u"Ledger\\DefaultIcon"_s, {}, home.filePath(u"none.ico"_s));
         desktop->registerClass(u".hcn"_s, {}, u"Ledger"_s);
         QVERIFY(!QFileInfo::exists(home.filePath(u"applications"_s)));
-        desktop->registerClass(u"Ledger"_s, u"shell\\open\\command"_s, u"/opt/my $apps/hcn %1"_s);
+        desktop->registerClass(u"Ledger"_s, u"shell\\open\\command"_s, u"/opt/old/hcn %1"_s);
+        desktop->registerClass(u"Ledger"_s, u"shell\\open\\command"_s, u"/opt/my $apps/hcn %1"_s); // has moved
         qunsetenv("XDG_DATA_HOME");
         qputenv("PATH", path);
         const auto read = [&](const QString& path) {
@@ -965,6 +998,7 @@ private slots:
         const QString entry = read(u"applications/ledger.desktop"_s);
         QVERIFY2(entry.contains(u"\nExec=\"/opt/my \\\\$apps/hcn\" %f\n"), qPrintable(entry));
         QVERIFY2(entry.contains(u"\nMimeType=application/x-ledger;\n"), qPrintable(entry));
+        QCOMPARE(read(u"applications/mimeinfo.cache"_s), u"[MIME Cache]\napplication/x-ledger=ledger.desktop;\n"_s);
         QVERIFY(!QPixmap(home.filePath(u"icons/hicolor/64x64/mimetypes/application-x-ledger.png"_s)).isNull());
 #endif
     }
@@ -978,6 +1012,77 @@ private slots:
         QCOMPARE(splitCommandLine(folder.filePath(u"MY Tool.exe"_s) + u" -a \"b c\""_s),
                  (QStringList{program, u"-a"_s, u"b c"_s}));
         QCOMPARE(splitCommandLine(u"\"/no such/tool\" x"_s), (QStringList{u"/no such/tool"_s, u"x"_s}));
+        const QString plain = folder.filePath(u"jisuan"_s); // programs are named with ".exe", files do without
+        QFile(plain).open(QIODevice::WriteOnly);
+        QCOMPARE(splitCommandLine(plain + u".exe"_s), QStringList(plain));
+    }
+
+    void whatCannotBeStartedIsTold()
+    {
+        QTemporaryDir folder;
+        ScriptedDialogs boxes;
+        boxes.expectStart(u"没找到使用说明！"_s);
+        systemDesktop()->run(u"hh.exe "_s + folder.filePath(u"使用说明.chm"_s));
+        boxes.expectStart(u"无法启动程序："_s);
+        systemDesktop()->run(folder.filePath(u"none.exe"_s));
+    }
+
+    /// The manual itself: F1 in a modal form leads to that form's chapter, in a window that the form doesn't block.
+    void manualOpensAtTheForm()
+    {
+        const QString folder = QFileInfo(QStringLiteral(LEDGER_SCHEMA)).dir().filePath(u"../docs/manual"_s);
+        Form::setHelp(
+            [&](const QString& form) { systemDesktop()->run(u"hh.exe %1.chm::/%2.htm"_s.arg(folder, form)); });
+        auto* form = new PlainForm(u"YearEnd"_s);
+        QPointer<ManualWindow> window;
+        QWindow* before = nullptr;
+        QString text;
+        inModal<PlainForm>(u"YearEnd"_s, [&](PlainForm& modal) {
+            QTest::keyClick(modal.Txt, Qt::Key_F1);
+            for (QWidget* widget : QApplication::topLevelWidgets())
+                if (auto* found = qobject_cast<ManualWindow*>(widget)) {
+                    window = found;
+                    before = found->windowHandle()->transientParent();
+                    text = found->findChild<QTextBrowser*>()->toPlainText();
+                }
+            if (before != modal.windowHandle())
+                before = nullptr;
+            modal.Unload();
+        });
+        form->ShowModal();
+        Form::setHelp({});
+        QVERIFY(before);
+        QVERIFY2(text.startsWith(u"库存年度结转\n"_s), qPrintable(text.left(40)));
+        QVERIFY(window && window->isVisible()); // it outlives the form
+        window->close();
+    }
+
+    void manualIsSearched()
+    {
+        const QString folder = QFileInfo(QStringLiteral(LEDGER_SCHEMA)).dir().filePath(u"../docs/manual"_s);
+        QVERIFY(!ManualWindow::open(folder + u"/none"_s, {}));
+        ManualWindow* window = ManualWindow::open(folder, u"no such form"_s);
+        auto* page = window->findChild<QTextBrowser*>();
+        QVERIFY(page->toPlainText().startsWith(u"恒仓宁仓库管理系统 使用说明"_s));
+        auto* contents = window->findChild<QTreeWidget*>();
+        const auto listed = [&] {
+            QStringList titles;
+            for (QTreeWidgetItemIterator item(contents, QTreeWidgetItemIterator::NotHidden); *item; ++item)
+                if (!(*item)->parent() || !(*item)->parent()->isHidden())
+                    titles += (*item)->text(0);
+            return titles;
+        };
+        QVERIFY(listed().size() > 30);
+        window->search(u"数所"_s); // nowhere
+        QCOMPARE(listed(), QStringList());
+        window->search(u"200＋5 %"_s);
+        QCOMPARE(listed(), (QStringList{u"公用的窗口"_s, u"计算器"_s}));
+        QTest::keyClick(window->findChild<QLineEdit*>(), Qt::Key_Return);
+        QVERIFY(page->toPlainText().startsWith(u"计算器"_s));
+        QCOMPARE(page->textCursor().selectedText(), u"200＋5 %"_s);
+        window->search({});
+        QVERIFY(listed().size() > 30);
+        window->close();
     }
 
     // ---- look

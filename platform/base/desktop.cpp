@@ -2,6 +2,8 @@
 
 namespace {
 
+std::function<void()> beforeEnd;
+
 std::unique_ptr<DesktopHost> currentDesktop;
 
 DesktopHost& desktop()
@@ -44,5 +46,12 @@ void registerClass(const QString& key, const QString& subkey, const QString& val
 
 void endProcess()
 {
+    if (beforeEnd)
+        beforeEnd();
     desktop().endProcess();
+}
+
+void setBeforeEnd(std::function<void()> hook)
+{
+    beforeEnd = std::move(hook);
 }

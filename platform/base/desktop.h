@@ -33,5 +33,7 @@ void SaveSetting(const QString& application, const QString& section, const QStri
 void ShellExecute(const QString& target);
 void Shell(const QString& commandLine);
 void registerClass(const QString& key, const QString& subkey, const QString& value);
-/// Ends the process at once, with no closing step. Only under a test's host does it return.
+/// Ends the process at once, with no closing step but that hook. Only under a test's host does it return.
 void endProcess();
+/// What must not outlive the process: files that tell others of it.
+void setBeforeEnd(std::function<void()> hook);

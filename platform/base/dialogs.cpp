@@ -60,6 +60,11 @@ std::optional<QString> saveFileDialog(const QString& title, const QString& filte
     return asking().chooseFile({FileRequest::Purpose::Save, title, filter, fileName});
 }
 
+std::optional<PrintJob> printDialog(const PrintRequest& request)
+{
+    return asking().print(request);
+}
+
 void DoEvents()
 {
     asking().doEvents();

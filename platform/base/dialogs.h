@@ -3,6 +3,7 @@
 #include "platform/base/text.h"
 
 #include <QList>
+#include <QSizeF>
 #include <QString>
 
 #include <functional>
@@ -42,6 +43,27 @@ struct FileRequest
     QString fileName; ///< what is offered: a path, or a folder with a pattern
 };
 
+/// A print, as the system's print dialog offers it and as the operator settles it.
+struct PrintJob
+{
+    QString printer; ///< "" the standard one
+    QString file;    ///< not empty: a PDF of that name instead of paper
+    int copies = 1;
+    bool collate = true;
+    int first = 1;
+    int last = 0; ///< 0: the last page
+    QSizeF paper; ///< in millimetres; empty: what the report asks for
+};
+
+struct PrintRequest
+{
+    QString title;
+    QString document; ///< what the printer's queue shows, and the name of a PDF
+    PrintJob job;
+    int pages = 1; ///< of the report
+    QSizeF paper;  ///< of the report, in millimetres
+};
+
 class DialogHost
 {
 public:
@@ -50,6 +72,8 @@ public:
     virtual std::optional<QString> input(const InputRequest& request) = 0;     ///< nothing on cancel
     virtual std::optional<QString> chooseFile(const FileRequest& request) = 0; ///< a full path; nothing on cancel
     virtual void doEvents() = 0;                                               ///< one turn of the message loop
+    /// Nothing on cancel, which is what a host without printers answers.
+    virtual std::optional<PrintJob> print(const PrintRequest&) { return {}; }
 };
 
 void setDialogHost(std::unique_ptr<DialogHost> host);
@@ -68,4 +92,6 @@ void errorBox(const QString& text);
 QString InputBox(const QString& prompt, const QString& title, const QString& preset);
 std::optional<QString> openFileDialog(const QString& title, const QString& filter, const QString& fileName);
 std::optional<QString> saveFileDialog(const QString& title, const QString& filter, const QString& fileName);
+/// The system's print dialog: printer, pages, copies, paper.
+std::optional<PrintJob> printDialog(const PrintRequest& request);
 void DoEvents();

@@ -56,6 +56,16 @@ bool fileExists(const QString& path)
     return !path.isEmpty() && QFileInfo(resolvedPath(path)).isFile();
 }
 
+QString programPath(const QString& path)
+{
+    const QString suffix = u".exe"_s;
+    if (fileExists(path))
+        return resolvedPath(path);
+    if (path.endsWith(suffix, Qt::CaseInsensitive) && fileExists(path.chopped(suffix.size())))
+        return resolvedPath(path.chopped(suffix.size()));
+    return {};
+}
+
 QString fileNameOf(const QString& path)
 {
     return path.sliced(lastSeparator(path) + 1);

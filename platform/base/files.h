@@ -14,6 +14,9 @@ QString localPath(QString path);
 QString resolvedPath(const QString& path);
 /// Whether that file (no folder) exists.
 bool fileExists(const QString& path);
+/// The program's file. Programs are named with ".exe" on every platform; where there is no such file, the one without
+/// it is meant. "" when there is neither.
+QString programPath(const QString& path);
 /// The text behind the last separator of either kind, and what stands before it (without the separator).
 QString fileNameOf(const QString& path);
 QString folderOf(const QString& path);

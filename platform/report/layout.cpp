@@ -289,6 +289,8 @@ std::optional<ReportItem> LayoutReader::readItem(const ReportBand& band, ReportI
     }
     if (kind == Kind::Field || kind == Kind::Formula || kind == Kind::Sum)
         item.name = text(kind == Kind::Sum ? u"field" : u"name", true);
+    if (kind == Kind::Field)
+        item.omitted = text(u"omit");
     if (kind == Kind::Formula)
         item.text = text(u"default");
     if (kind == Kind::Field || kind == Kind::Formula || kind == Kind::Sum)

@@ -40,6 +40,7 @@ struct ReportItem
     Format format = Format::AsIs;
     QString mask;
     bool blankZero = false;
+    QString omitted; ///< a value that prints nothing
     bool bold = false;
     bool frame = false;
     int fontSize = 32; ///< the em

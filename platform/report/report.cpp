@@ -1,12 +1,14 @@
 #include "platform/report/report.h"
 
 #include "platform/base/capitals.h"
+#include "platform/base/clock.h"
 #include "platform/base/date.h"
 
 #include <QFont>
 #include <QFontMetricsF>
 #include <QPageSize>
 #include <QPagedPaintDevice>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
@@ -138,6 +140,20 @@ Report::Report(ReportLayout layout, std::shared_ptr<const RowSource> rows, const
 {
     for (auto i = texts.begin(); i != texts.end(); ++i)
         texts_.insert(i.key().toLower(), i.value());
+    build(printersPaper);
+}
+
+Report::Report(const Report& other, QSizeF printersPaper)
+    : layout_(other.layout_)
+    , rows_(other.rows_)
+    , texts_(other.texts_)
+    , measure_(std::make_unique<Measure>())
+{
+    build(printersPaper);
+}
+
+void Report::build(QSizeF printersPaper)
+{
     if (layout_.printersPaper && !printersPaper.isEmpty())
         layout_.paper = printersPaper * unitsPerMm;
     resolveColumns();
@@ -253,6 +269,7 @@ void Report::layOut()
             ++rowsOnPage_;
         }
     };
+    const double room = bottom() - layout_.margins.top();
     startPage(0, 0);
     for (qsizetype row = 0; row < count; ++row) {
         const int level = breakLevels_[size_t(row)];
@@ -262,13 +279,21 @@ void Report::layOut()
             for (int inner = level; inner < groups; ++inner)
                 newPage = newPage || layout_.groups[inner].newPage;
         }
-        double needed = heightOf(layout_.detail, row, bottom() - layout_.margins.top());
+        const bool last = row == count - 1;
+        double needed = heightOf(layout_.detail, row, room);
         for (int inner = level; inner < groups; ++inner) // a header never stands at the foot of a page alone
             needed += heightOf(layout_.groups[inner].header, row, bottom());
+        for (int inner = last ? 0 : breakLevels_[size_t(row) + 1]; inner < groups; ++inner) // nor sums at its top
+            needed += heightOf(layout_.groups[inner].footer, row, bottom());
+        if (last)
+            needed += heightOf(layout_.summary, row, room);
         const bool full =
             layout_.rowsPerPage > 0 ? rowsOnPage_ >= layout_.rowsPerPage : y_ + needed > bottom() + paperHair;
-        if (newPage || (full && rowsOnPage_ > 0))
+        if (newPage || (full && rowsOnPage_ > 0)) {
+            if (layout_.rowsPerPage == 0)
+                fillUp(0);
             startPage(row, level);
+        }
         for (int inner = level; inner < groups; ++inner)
             place(layout_.groups[inner].header, row);
         place(layout_.detail, row);
@@ -277,7 +302,7 @@ void Report::layOut()
     }
     if (count > 0)
         closeGroups(0, count - 1);
-    const double summary = heightOf(layout_.summary, count - 1, bottom() - layout_.margins.top());
+    const double summary = heightOf(layout_.summary, count - 1, room);
     if (layout_.rowsPerPage == 0 && y_ + summary > bottom() + paperHair) {
         fillUp(0);
         startPage(count, 0);
@@ -354,19 +379,30 @@ std::pair<qsizetype, qsizetype> Report::rangeOf(const ReportItem& item, qsizetyp
     return {0, rows_->rowCount()};
 }
 
-double Report::sumOf(int column, qsizetype first, qsizetype end) const
+/// Each row counts as the item's format would show it: what stands above a sum on paper must add up to it.
+double Report::sumOf(const ReportItem& item, qsizetype first, qsizetype end) const
 {
-    const auto key = std::tuple(column, first, end);
+    const QString mask = item.format == ReportItem::Format::Capitals ? u"0.00"_s : item.mask;
+    const auto key = std::tuple(&item, first, end);
     if (const auto known = sums_.find(key); known != sums_.end())
         return known->second;
     double sum = 0;
-    for (qsizetype row = first; row < end; ++row)
-        sum += rows_->value(row, column).number();
+    for (qsizetype row = first; row < end; ++row) {
+        const double number = rows_->value(row, item.column).number();
+        sum += mask.isEmpty() ? number : Val(Format(number, mask));
+    }
     sums_.emplace(key, sum);
     return sum;
 }
 
 QString Report::textOf(const ReportItem& item, qsizetype row, int page) const
+{
+    const QString text = contentOf(item, row, page);
+    return text.isEmpty() ? text : item.before + text + item.after;
+}
+
+/// Without what is put before and behind it.
+QString Report::contentOf(const ReportItem& item, qsizetype row, int page) const
 {
     using Kind = ReportItem::Kind;
     QString text;
@@ -383,7 +419,7 @@ QString Report::textOf(const ReportItem& item, qsizetype row, int page) const
         break;
     case Kind::Sum: {
         const auto [first, end] = rangeOf(item, row, page);
-        const double sum = sumOf(item.column, first, end);
+        const double sum = sumOf(item, first, end);
         // Ten places are more than any column has, and fewer than the noise of adding up.
         text = item.format == ReportItem::Format::AsIs && !(item.blankZero && sum == 0) ? Format(sum, u"0.##########")
                                                                                         : formatted(item, sum);
@@ -400,18 +436,20 @@ QString Report::textOf(const ReportItem& item, qsizetype row, int page) const
         break;
     case Kind::Page:
         text = item.text;
-        text.replace(u"{pages}"_s, plainText(pageCount())).replace(u"{page}"_s, plainText(page));
+        text.replace(u"{pages}"_s, plainText(pageCount()))
+            .replace(u"{page}"_s, plainText(page))
+            .replace(u"{today}"_s, todayText());
         break;
     case Kind::Line:
     case Kind::Box:
-        return {};
+        break;
     }
-    return text.isEmpty() ? text : item.before + text + item.after;
+    return text;
 }
 
 QString Report::formatted(const ReportItem& item, const Value& value) const
 {
-    if (value.isNull() || value.text().isEmpty())
+    if (value.isNull() || value.text().isEmpty() || (!item.omitted.isEmpty() && value.text() == item.omitted))
         return {};
     switch (item.format) {
     case ReportItem::Format::Mask: {
@@ -441,8 +479,10 @@ Report::Lines Report::linesOf(const ReportItem& item, const QString& text, doubl
     if (item.fit == ReportItem::Fit::Shrink && !text.contains(u'\n')) {
         const double needed = measure_->width(text, item.bold, item.fontSize);
         const double size = needed > width ? std::floor(item.fontSize * width / needed) : item.fontSize;
-        if (size >= item.fontSize * 0.6)
-            return {{text}, size};
+        const bool broken =
+            std::any_of(text.begin(), text.end(), [](QChar c) { return c == u' ' || breaksAnywhere(c); });
+        if (size >= item.fontSize * 0.6 || !broken) // half of a number would be read as a number
+            return {{text}, std::max(size, double(smallestFont))};
     }
     double size = item.fontSize;
     QStringList lines = measure_->wrap(text, item.bold, size, width);
@@ -471,7 +511,9 @@ void Report::drawItem(QPainter& painter, const ReportItem& item, const QRectF& p
         return;
     const Lines set = linesOf(item, text, place.height());
     painter.setPen(Qt::black);
-    painter.setFont(paperFont(int(set.size), item.bold));
+    // The family has no bold face, and on a screen the toolkit makes one up that smears at small sizes.
+    const bool smears = item.bold && painter.paintEngine()->type() == QPaintEngine::Raster;
+    painter.setFont(paperFont(int(set.size), item.bold && !smears));
     const double lineHeight = Measure::lineHeight(set.size);
     const double height = lineHeight * double(set.lines.size());
     double y = place.top();
@@ -487,9 +529,30 @@ void Report::drawItem(QPainter& painter, const ReportItem& item, const QRectF& p
             x += spare;
         else if (item.alignment & Qt::AlignHCenter)
             x += spare / 2;
-        painter.drawText(QPointF(x, y + lineHeight * 0.8), line);
+        for (const double shift : {0.0, 0.03, 0.06})
+            if (shift == 0 || smears)
+                painter.drawText(QPointF(x + shift * set.size, y + lineHeight * 0.8), line);
         y += lineHeight;
     }
+}
+
+/// The bands of a page from top to bottom, each item with its place on the paper: take(item, place, piece).
+template <class Take>
+void Report::eachPiece(int page, Take take) const
+{
+    const Page& sheet = pages_[size_t(page - 1)];
+    const auto takeBand = [&](const Piece& piece) {
+        const auto rises = piece.blank ? std::vector<Rise>() : risesOf(*piece.band, piece.row, page, piece.room);
+        for (const ReportItem& item : piece.band->items) {
+            const double top = shifted(item.place.top(), rises);
+            const double left = layout_.margins.left() + item.place.left();
+            take(item, QRectF(left, piece.y + top, item.place.width(), shifted(item.place.bottom(), rises) - top),
+                 piece);
+        }
+    };
+    for (const Piece& piece : sheet.pieces)
+        takeBand(piece);
+    takeBand({&layout_.pageFooter, bottom(), layout_.pageFooter.height, sheet.endRow - 1, false});
 }
 
 void Report::draw(QPainter& painter, int page) const
@@ -497,47 +560,42 @@ void Report::draw(QPainter& painter, int page) const
     painter.save();
     painter.translate(layout_.offset);
     painter.setBrush(Qt::NoBrush);
-    const Page& sheet = pages_[size_t(page - 1)];
-    const auto drawBand = [&](const Piece& piece) {
-        const auto rises = piece.blank ? std::vector<Rise>() : risesOf(*piece.band, piece.row, page, piece.room);
-        for (const ReportItem& item : piece.band->items) {
-            const double top = shifted(item.place.top(), rises);
-            const double left = layout_.margins.left() + item.place.left();
-            const QRectF place(left, piece.y + top, item.place.width(), shifted(item.place.bottom(), rises) - top);
-            drawItem(painter, item, place, piece.blank ? QString() : textOf(item, piece.row, page));
-        }
-    };
-    for (const Piece& piece : sheet.pieces)
-        drawBand(piece);
-    drawBand({&layout_.pageFooter, bottom(), layout_.pageFooter.height, sheet.endRow - 1, false});
+    eachPiece(page, [&](const ReportItem& item, const QRectF& place, const Piece& piece) {
+        drawItem(painter, item, place, piece.blank ? QString() : textOf(item, piece.row, page));
+    });
     painter.restore();
+}
+
+std::vector<Report::PlacedText> Report::placedTexts(int page) const
+{
+    std::vector<PlacedText> texts;
+    eachPiece(page, [&](const ReportItem& item, const QRectF& place, const Piece& piece) {
+        if (const QString text = piece.blank ? QString() : textOf(item, piece.row, page); !text.isEmpty())
+            texts.push_back({text, place.translated(layout_.offset)});
+    });
+    return texts;
 }
 
 QStringList Report::pageTexts(int page) const
 {
     QStringList texts;
-    const Page& sheet = pages_[size_t(page - 1)];
-    const auto take = [&](const ReportBand& band, qsizetype row) {
-        for (const ReportItem& item : band.items)
-            if (const QString text = textOf(item, row, page); !text.isEmpty())
-                texts.append(text);
-    };
-    for (const Piece& piece : sheet.pieces)
-        if (!piece.blank)
-            take(*piece.band, piece.row);
-    take(layout_.pageFooter, sheet.endRow - 1);
+    for (const PlacedText& placed : placedTexts(page))
+        texts.append(placed.text);
     return texts;
 }
 
-bool Report::print(QPagedPaintDevice& device, int first, int last) const
+bool Report::print(QPagedPaintDevice& device, int first, int last, QSizeF paper) const
 {
-    if (!layout_.printersPaper)
-        device.setPageSize(QPageSize(paperSize(), QPageSize::Millimeter, layout_.title, QPageSize::ExactMatch));
+    const QSizeF own = paperSize();
+    const QSizeF sheet = paper.isEmpty() ? own : paper;
+    if (!layout_.printersPaper || !paper.isEmpty())
+        device.setPageSize(QPageSize(sheet, QPageSize::Millimeter, layout_.title, QPageSize::ExactMatch));
     device.setPageMargins(QMarginsF());
     QPainter painter;
     if (!painter.begin(&device))
         return false;
-    const double scale = device.logicalDpiX() / unitsPerInch;
+    const double fit = std::min({1.0, sheet.width() / own.width(), sheet.height() / own.height()});
+    const double scale = device.logicalDpiX() / unitsPerInch * fit;
     painter.scale(scale, scale);
     for (int page = first; page <= last; ++page) {
         if (page > first && !device.newPage())

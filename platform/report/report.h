@@ -2,6 +2,7 @@
 
 #include "platform/base/value.h"
 #include "platform/report/layout.h"
+#include "platform/workbook/table_file.h"
 
 #include <QHash>
 #include <QSizeF>
@@ -53,20 +54,37 @@ public:
     /// @param printersPaper  size in millimetres for a layout that takes the printer's own paper; empty if unknown
     Report(ReportLayout layout, std::shared_ptr<const RowSource> rows, const QHash<QString, QString>& texts,
            QSizeF printersPaper = {});
+    /// The same report on a printer's paper of another size.
+    Report(const Report& other, QSizeF printersPaper);
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
     ~Report();
 
+    /// A text as it stands on a page: place in tenths of a millimetre from the corner of the paper.
+    struct PlacedText
+    {
+        QString text;
+        QRectF place;
+    };
+
     int pageCount() const;
+    QString title() const { return layout_.title; }
+    bool takesPrintersPaper() const { return layout_.printersPaper; }
     /// Paper size in millimetres.
     QSizeF paperSize() const;
     /// Draws a page, counted from 1. The painter's unit must be a tenth of a millimetre: scaled by dpi/254.
     void draw(QPainter& painter, int page) const;
     /// All texts of a page, counted from 1, each whole, in the order of the bands and of the items in them.
     QStringList pageTexts(int page) const;
+    /// The same with their places.
+    std::vector<PlacedText> placedTexts(int page) const;
+    /// The rows as a table: the fields of the detail band under the captions that stand above them, sums among them.
+    TableContent table() const;
     /// Draws pages first to last on a PDF writer or a printer, whose paper and margins it sets.
+    /// @param paper  in millimetres, if it isn't the layout's: the page stands in its upper left corner then, made
+    ///               smaller if it would not fit
     /// @return false when the device can't be opened or a page can't be begun
-    bool print(QPagedPaintDevice& device, int first, int last) const;
+    bool print(QPagedPaintDevice& device, int first, int last, QSizeF paper = {}) const;
     /// @return false when the file can't be written; an old one is whole then
     bool toPdf(const QString& path) const;
 
@@ -97,6 +115,7 @@ private:
     };
     class Measure;
 
+    void build(QSizeF printersPaper);
     void resolveColumns();
     void findGroups();
     void layOut();
@@ -107,10 +126,13 @@ private:
     double heightOf(const ReportBand& band, qsizetype row, double room) const;
     std::vector<Rise> risesOf(const ReportBand& band, qsizetype row, int page, double room) const;
     QString textOf(const ReportItem& item, qsizetype row, int page) const;
+    QString contentOf(const ReportItem& item, qsizetype row, int page) const;
     QString formatted(const ReportItem& item, const Value& value) const;
-    double sumOf(int column, qsizetype first, qsizetype end) const;
+    double sumOf(const ReportItem& item, qsizetype first, qsizetype end) const;
     std::pair<qsizetype, qsizetype> rangeOf(const ReportItem& item, qsizetype row, int page) const;
     Lines linesOf(const ReportItem& item, const QString& text, double height) const;
+    template <class Take>
+    void eachPiece(int page, Take take) const;
     void drawItem(QPainter& painter, const ReportItem& item, const QRectF& place, const QString& text) const;
 
     ReportLayout layout_;
@@ -122,5 +144,5 @@ private:
     std::vector<Page> pages_;
     double y_ = 0;
     int rowsOnPage_ = 0; ///< group footers count as well
-    mutable std::map<std::tuple<int, qsizetype, qsizetype>, double> sums_;
+    mutable std::map<std::tuple<const ReportItem*, qsizetype, qsizetype>, double> sums_;
 };

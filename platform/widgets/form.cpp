@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTabBar>
@@ -27,6 +29,12 @@ QPointer<QMdiArea>& formArea()
 {
     static QPointer<QMdiArea> area;
     return area;
+}
+
+std::function<void(const QString&)>& formHelp()
+{
+    static std::function<void(const QString&)> help;
+    return help;
 }
 
 QString withoutLetter(const QString& caption)
@@ -104,6 +112,13 @@ Form::Form(const QString& name, const QString& caption)
     outer->setContentsMargins(0, 0, 0, 0);
     outer->setSpacing(0);
     outer->addWidget(bar_);
+    notice_ = new QLabel;
+    notice_->setObjectName(u"notice"_s);
+    notice_->setProperty("look", u"warning"_s);
+    notice_->setWordWrap(true);
+    notice_->setMargin(style::spacing);
+    notice_->hide();
+    outer->addWidget(notice_);
     content_ = new QVBoxLayout;
     content_->setContentsMargins(style::spacing + 2, style::spacing, style::spacing + 2, style::spacing);
     content_->setSpacing(style::spacing);
@@ -124,10 +139,18 @@ void Form::setCaption(const QString& caption)
     setWindowTitle(caption);
 }
 
+void Form::showNotice()
+{
+    const QString text = notice();
+    notice_->setText(text);
+    notice_->setVisible(!text.isEmpty());
+}
+
 void Form::Show()
 {
     if (released_)
         return;
+    showNotice();
     if (!formArea()) {
         show();
         activateWindow();
@@ -148,6 +171,7 @@ void Form::ShowModal()
     if (released_ || modal_)
         return;
     beforeAsking();
+    showNotice();
     const QPointer<QWidget> owner = windowInFront();
     setParent(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowModality(Qt::ApplicationModal);
@@ -266,6 +290,28 @@ void Form::setArea(QMdiArea* area)
         tabs->setExpanding(false);
         tabs->setDrawBase(false);
     }
+}
+
+void Form::setHelp(std::function<void(const QString& form)> help)
+{
+    formHelp() = std::move(help);
+}
+
+/// What no control has taken ends up here.
+void Form::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_F1 || event->modifiers() != Qt::NoModifier || !formHelp())
+        return QWidget::keyPressEvent(event);
+    runCommand([this] { formHelp()(Name()); });
+}
+
+void Form::tellRecordsChanged()
+{
+    QList<Form*> forms = all();
+    if (Form* front = activeChild())
+        forms.append(forms.takeAt(forms.indexOf(front)));
+    for (Form* form : forms)
+        runCommand([form] { form->recordsChanged(); });
 }
 
 Form* Form::activeChild()

@@ -13,6 +13,7 @@
 #include <functional>
 
 class QDialog;
+class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 
@@ -63,6 +64,9 @@ public:
     /// drops its letters then, and takes them back with Alt alone or the mouse.
     static void shareLetters(QMenuBar* mainMenu);
 
+    /// What F1 does: it gets the name of the form that the focus is in.
+    static void setHelp(std::function<void(const QString& form)> help);
+
     QMenuBar* commandBar() { return bar_; }
     /// A command at the end of the bar, or of a menu in it. `name` becomes the action's objectName, "Menu_prn(0)"
     /// included; the caption with its "&" is kept whole for `commandCaption`.
@@ -76,6 +80,10 @@ public:
 
     /// The operator or what they may do has changed while the form is open.
     virtual void sessionChanged() {}
+    /// Another command has removed or replaced records that this form may be showing.
+    virtual void recordsChanged() {}
+    /// Tells all loaded forms; the form in front comes last, as the status panel is its own.
+    static void tellRecordsChanged();
 
 protected:
     /// False keeps the form open, and so does a failure in it. Called on every road to closing: command, close box,
@@ -83,17 +91,22 @@ protected:
     virtual bool queryUnload() { return true; }
     /// Last act before the form is gone.
     virtual void unloaded() {}
+    /// A warning that stands in plain sight above the content, asked for each time the form is shown; "" for none.
+    virtual QString notice() const { return {}; }
     /// Which widget takes the focus when the form is shown; null for the first in the tab order.
     virtual QWidget* firstFocus() { return nullptr; }
     void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool release();
     void focusInside();
+    void showNotice();
 
     QString caption_;
     QMenuBar* bar_ = nullptr;
+    QLabel* notice_ = nullptr;
     QVBoxLayout* content_ = nullptr;
     QPointer<QMdiSubWindow> child_;
     QEventLoop* modal_ = nullptr;

@@ -1,7 +1,11 @@
 #include "platform/widgets/grid.h"
 
+#include "platform/base/clock.h"
 #include "platform/base/desktop.h"
+#include "platform/base/dialogs.h"
+#include "platform/base/files.h"
 #include "platform/base/number.h"
+#include "platform/base/status.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/style.h"
 
@@ -11,7 +15,9 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QScrollBar>
+#include <QStandardPaths>
 #include <QStyledItemDelegate>
 
 #include <set>
@@ -22,6 +28,7 @@ class GridModel : public QAbstractTableModel
 {
 public:
     using QAbstractTableModel::QAbstractTableModel;
+    static constexpr int groupRole = Qt::UserRole;
 
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : int(rows_.size()); }
     int columnCount(const QModelIndex& parent = {}) const override
@@ -66,6 +73,8 @@ public:
         }
         if (role == Qt::TextAlignmentRole)
             return alignment(section);
+        if (role == groupRole)
+            return columns_[section].group;
         return role == Qt::DisplayRole ? QVariant(columns_[section].caption) : QVariant();
     }
 
@@ -84,11 +93,27 @@ public:
         emit dataChanged(index(row, column), index(row, column));
     }
 
+    const QStringList& texts(int row) const { return rows_[row]; }
+
     QString caption(int column) const { return columns_[column].caption; }
-    void setCaption(int column, const QString& caption)
+    QString group(int column) const { return columns_[column].group; }
+    /// As it reads where no group stands above it.
+    QString captionAlone(int column) const
     {
-        columns_[column].caption = caption;
+        const GridColumn& header = columns_[column];
+        return header.group.isEmpty() ? header.caption : header.group + u' ' + header.caption;
+    }
+    /// @param headerRow above all others 0
+    void setHeader(int headerRow, int column, const QString& text)
+    {
+        GridColumn& header = columns_[column];
+        (grouped() && headerRow == 0 ? header.group : header.caption) = text;
         emit headerDataChanged(Qt::Horizontal, column, column);
+    }
+    bool grouped() const
+    {
+        return std::any_of(columns_.begin(), columns_.end(),
+                           [](const auto& column) { return !column.group.isEmpty(); });
     }
 
     void setColumns(const QList<GridColumn>& columns)
@@ -175,7 +200,7 @@ public:
 };
 
 /// The toolkit measures all captions and up to 200 row numbers anew after each change. The captions' height is given,
-/// and the last row number is the widest.
+/// and the last row number is the widest. Groups stand over their captions as one cell.
 class GridHeader : public QHeaderView
 {
 public:
@@ -184,8 +209,44 @@ public:
     QSize sizeHint() const override
     {
         if (orientation() == Qt::Horizontal)
-            return {0, style::headerHeight};
+            return {0, height()};
         return count() == 0 ? QHeaderView::sizeHint() : sectionSizeFromContents(count() - 1);
+    }
+
+protected:
+    void paintSection(QPainter* painter, const QRect& rect, int section) const override
+    {
+        const int above = groupOf(section).isEmpty() ? 0 : style::headerHeight;
+        QHeaderView::paintSection(painter, rect.adjusted(0, above, 0, 0), section);
+    }
+
+    void paintEvent(QPaintEvent* event) override
+    {
+        QHeaderView::paintEvent(event);
+        QPainter painter(viewport());
+        for (int first = 0, next = 0; first < count(); first = next) {
+            const QString group = groupOf(first);
+            int width = 0;
+            for (next = first; next < count() && groupOf(next) == group; ++next)
+                width += sectionSize(next);
+            if (group.isEmpty() || width == 0)
+                continue;
+            QStyleOptionHeader option;
+            initStyleOption(&option);
+            option.rect = QRect(sectionViewportPosition(first), 0, width, style::headerHeight);
+            option.section = first;
+            option.text = group;
+            option.textAlignment = Qt::AlignCenter;
+            style()->drawControl(QStyle::CE_Header, &option, &painter, this);
+        }
+    }
+
+private:
+    QString groupOf(int section) const
+    {
+        return orientation() == Qt::Horizontal && model()
+                   ? model()->headerData(section, orientation(), GridModel::groupRole).toString()
+                   : QString();
     }
 };
 
@@ -203,17 +264,91 @@ public:
     bool number = false;
 };
 
-const QString widthsApplication = u"Vemaroware"_s;
-const QString widthsSection = u"Grid"_s;
+const QString gridSettings = u"Vemaroware"_s;
+const QString gridSection = u"Grid"_s;
+/// A tab or a line break inside a cell would look like the next cell or row.
+QString tabbedLine(QStringList cells)
+{
+    for (QString& cell : cells)
+        for (QChar& c : cell)
+            if (c == u'\t' || c == u'\n' || c == u'\r')
+                c = u' ';
+    return cells.join(u'\t') + u'\n';
+}
+
 constexpr int smallestColumn = 24;
 constexpr int numbersWidth = 38; ///< of the row numbers, up to 9999; more digits widen it
 
 } // namespace
 
+/// The pinned row, painted below the viewport from the cells of the row that it stands for.
+class Grid::Totals : public QWidget
+{
+public:
+    explicit Totals(Grid& grid)
+        : QWidget(&grid)
+        , grid_(grid)
+    {
+        hide();
+    }
+
+    bool pinned = false;
+    QPersistentModelIndex row; ///< its first cell
+
+    /// What a column needs to show its cell whole.
+    int widthOf(int column) const
+    {
+        const QString text = row.sibling(row.row(), column).data().toString();
+        return QFontMetrics(bold()).horizontalAdvance(text) + 2 * textMargin + 2;
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), style::color(style::Role::HeaderGround));
+        const QColor lines = style::color(style::Role::Lines);
+        const int left = grid_.viewport()->x() - x();
+        painter.setPen(lines);
+        painter.drawLine(0, 0, width(), 0);
+        painter.drawLine(0, height() - 1, width(), height() - 1);
+        painter.drawLine(left - 1, 0, left - 1, height());
+        painter.setClipRect(left, 0, width() - left, height());
+        painter.setFont(bold());
+        for (int column = 0; column < grid_.Cols(); ++column) {
+            const QRect cell(left + grid_.columnViewportPosition(column), 1, grid_.columnWidth(column), height() - 2);
+            if (cell.width() == 0)
+                continue;
+            const QModelIndex index = row.sibling(row.row(), column);
+            const auto ink = grid_.model_->data(index, Qt::ForegroundRole).value<QColor>();
+            painter.setPen(lines);
+            painter.drawLine(cell.topRight(), cell.bottomRight());
+            painter.setPen(ink.isValid() ? ink : style::color(style::Role::Text));
+            const QRect inside = cell.adjusted(textMargin, 0, -textMargin - 1, 0);
+            const QString text =
+                painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, inside.width());
+            painter.drawText(inside, grid_.model_->data(index, Qt::TextAlignmentRole).toInt(), text);
+        }
+    }
+
+private:
+    static constexpr int textMargin = 3;
+
+    QFont bold() const
+    {
+        QFont font = grid_.font();
+        font.setBold(true);
+        return font;
+    }
+
+    Grid& grid_;
+};
+
 Grid::Grid(const QString& name, QWidget* parent)
     : QTableView(parent)
     , TxtEnter(new CellEdit(viewport()))
     , model_(new GridModel(this))
+    , totals_(new Totals(*this))
 {
     setObjectName(name);
     TxtEnter->setObjectName(u"TxtEnter"_s);
@@ -253,14 +388,16 @@ Grid::Grid(const QString& name, QWidget* parent)
         }
         fitStretch();
         placeEditor();
+        totals_->update();
     });
+    for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+        connect(model_, change, this, &Grid::unpinTotals);
+    connect(model_, &QAbstractItemModel::modelReset, this, &Grid::unpinTotals);
+    connect(model_, &QAbstractItemModel::dataChanged, totals_, qOverload<>(&QWidget::update));
 
-    auto* copy = new QAction(u"复制(&C)"_s, this);
-    copy->setObjectName(u"GridCopy"_s);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &Grid::copySelection);
-    addAction(copy);
+    addAction(u"GridCopy"_s, u"复制(&C)"_s, QKeySequence::Copy, &Grid::copySelection);
+    addAction(u"GridCopyAll"_s, u"全部复制(&A)"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C, &Grid::copyAll);
+    addAction(u"GridSave"_s, u"保存为文件(&S)..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S, &Grid::saveAs);
     setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -269,6 +406,8 @@ void Grid::setColumns(const QList<GridColumn>& columns)
     dropEdit();
     columns_ = columns;
     model_->setColumns(columns);
+    fixedRows_ = model_->grouped() ? 2 : 1;
+    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight);
     for (int column = 0; column < columns.size(); ++column) {
         setColumnWidth(column, columns[column].width);
         setColumnHidden(column, columns[column].hidden);
@@ -287,9 +426,14 @@ void Grid::setRows(QList<QStringList> rows)
     model_->setRows(std::move(rows));
 }
 
+int Grid::fixedRows() const
+{
+    return fixedRows_;
+}
+
 int Grid::Rows() const
 {
-    return model_->rowCount() + 1;
+    return model_->rowCount() + fixedRows_;
 }
 
 int Grid::Cols() const
@@ -299,12 +443,12 @@ int Grid::Cols() const
 
 void Grid::setRowCount(int rows)
 {
-    const int wanted = std::max(rows - 1, 0);
+    const int wanted = std::max(rows - fixedRows_, 0);
     const int present = model_->rowCount();
     if (wanted > present) {
         model_->append(QList<QStringList>(wanted - present));
     } else if (wanted < present) {
-        if (state_ == EditState::Open && cell_.y() > wanted)
+        if (state_ == EditState::Open && cell_.y() >= rows)
             dropEdit();
         model_->remove(wanted, present - wanted);
     }
@@ -314,17 +458,24 @@ QString Grid::TextMatrix(int row, int column) const
 {
     if (row < 0 || row >= Rows() || column < 0 || column >= Cols())
         return {};
-    return row == 0 ? model_->caption(column) : model_->text(row - 1, column);
+    if (row < fixedRows_)
+        return row < fixedRows_ - 1 ? model_->group(column) : model_->caption(column);
+    return model_->text(row - fixedRows_, column);
+}
+
+QStringList Grid::rowTexts(int row) const
+{
+    return row < 1 || row >= Rows() ? QStringList() : model_->texts(row - 1);
 }
 
 void Grid::SetTextMatrix(int row, int column, const QString& text)
 {
     if (row < 0 || row >= Rows() || column < 0 || column >= Cols())
         return;
-    if (row == 0)
-        model_->setCaption(column, text);
+    if (row < fixedRows_)
+        model_->setHeader(row, column, text);
     else
-        model_->setText(row - 1, column, text);
+        model_->setText(row - fixedRows_, column, text);
 }
 
 void Grid::AddItem(const QString& tabbed)
@@ -334,7 +485,7 @@ void Grid::AddItem(const QString& tabbed)
 
 void Grid::RemoveItem(int row)
 {
-    if (row < 1 || row >= Rows())
+    if (!isDataRow(row))
         return;
     if (state_ == EditState::Open) {
         if (cell_.y() == row)
@@ -342,13 +493,13 @@ void Grid::RemoveItem(int row)
         else if (cell_.y() > row)
             cell_.ry() -= 1;
     }
-    model_->remove(row - 1, 1);
+    model_->remove(row - fixedRows_, 1);
     placeEditor();
 }
 
 int Grid::Row() const
 {
-    return currentIndex().row() + 1;
+    return rowOf(currentIndex());
 }
 
 int Grid::Col() const
@@ -358,9 +509,9 @@ int Grid::Col() const
 
 void Grid::select(int row, int column)
 {
-    if (row < 1 || row >= Rows() || (state_ == EditState::Open && !endEdit()))
+    if (!isDataRow(row) || (state_ == EditState::Open && !endEdit()))
         return;
-    const QModelIndex index = model_->index(row - 1, std::clamp(column, 0, std::max(Cols() - 1, 0)));
+    const QModelIndex index = indexOf(row, std::clamp(column, 0, std::max(Cols() - 1, 0)));
     setCurrentIndex(index);
     scrollTo(index);
 }
@@ -381,8 +532,67 @@ void Grid::setColumnVisible(int column, bool visible)
 
 void Grid::setEmphasized(int row)
 {
-    if (row >= 1 && row < Rows())
-        model_->emphasize(row - 1);
+    if (isDataRow(row))
+        model_->emphasize(row - fixedRows_);
+}
+
+QModelIndex Grid::indexOf(int row, int column) const
+{
+    return model_->index(row - fixedRows_, column);
+}
+
+// ---- the pinned row
+
+void Grid::pinTotals()
+{
+    unpinTotals();
+    const int last = model_->rowCount() - 1;
+    if (last < 0 || Cols() == 0)
+        return;
+    model_->emphasize(last);
+    setRowHidden(last, true);
+    totals_->pinned = true;
+    totals_->row = model_->index(last, 0);
+    for (int column = 0; column < Cols(); ++column) // a sum that is cut off reads as another one
+        if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
+            setColumnWidth(column, std::max(columnWidth(column), totals_->widthOf(column)));
+    updateGeometries();
+}
+
+void Grid::unpinTotals()
+{
+    if (!std::exchange(totals_->pinned, false))
+        return;
+    if (totals_->row.isValid())
+        setRowHidden(totals_->row.row(), false);
+    totals_->row = QModelIndex();
+    updateGeometries();
+}
+
+void Grid::updateGeometries()
+{
+    QTableView::updateGeometries(); // which knows nothing of a margin at the bottom and takes it away
+    placeTotals();
+}
+
+/// Right below the rows; at the lower edge, with room of its own, when they fill the grid.
+void Grid::placeTotals()
+{
+    const bool pinned = totals_->pinned && totals_->row.isValid();
+    const QMargins margins = viewportMargins();
+    const int room = viewport()->height() + margins.bottom();
+    const int rows = verticalHeader()->length();
+    const int reserved = pinned && rows + style::rowHeight > room ? style::rowHeight : 0;
+    if (margins.bottom() != reserved)
+        setViewportMargins(margins.left(), margins.top(), margins.right(), reserved);
+    totals_->setVisible(pinned);
+    if (!pinned)
+        return;
+    const QRect view = viewport()->geometry();
+    const int left = verticalHeader()->x();
+    totals_->setGeometry(left, view.top() + std::min(rows, view.height()), view.right() + 1 - left, style::rowHeight);
+    totals_->raise();
+    totals_->update();
 }
 
 // ---- in-cell editing
@@ -394,7 +604,7 @@ bool Grid::editing() const
 
 bool Grid::opens(int row, int column) const
 {
-    if (!mayEdit || row < 1 || row >= Rows() || !columnVisible(column))
+    if (!mayEdit || !isDataRow(row) || !columnVisible(column))
         return false;
     bool may = false;
     runCommand([&] { may = mayEdit(row, column); });
@@ -426,7 +636,7 @@ void Grid::openEditor(int row, int column)
     const bool number = columns_[column].kind == ColumnKind::Number;
     static_cast<CellEdit*>(TxtEnter)->number = number;
     TxtEnter->setAlignment((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
-    TxtEnter->setAccessibleName(TextMatrix(0, column));
+    TxtEnter->setAccessibleName(TextMatrix(fixedRows_ - 1, column));
     TxtEnter->setText(before_);
     placeEditor();
     TxtEnter->show();
@@ -468,7 +678,7 @@ void Grid::refuse()
         return;
     }
     state_ = EditState::Open;
-    setCurrentIndex(model_->index(cell_.y() - 1, cell_.x()));
+    setCurrentIndex(indexOf(cell_.y(), cell_.x()));
     placeEditor();
     TxtEnter->setText(before_);
     TxtEnter->setFocus();
@@ -499,7 +709,7 @@ void Grid::dropEdit()
 void Grid::placeEditor()
 {
     if (state_ != EditState::Idle)
-        TxtEnter->setGeometry(visualRect(model_->index(cell_.y() - 1, cell_.x())));
+        TxtEnter->setGeometry(visualRect(indexOf(cell_.y(), cell_.x())));
 }
 
 QPoint Grid::following(int row, int column) const
@@ -530,7 +740,7 @@ void Grid::goBack()
     const QPoint from = cell_;
     if (!endEdit())
         return;
-    for (int row = from.y(); row >= std::max(from.y() - 1, 1); --row)
+    for (int row = from.y(); row >= std::max(from.y() - 1, fixedRows_); --row)
         for (int column = row == from.y() ? from.x() - 1 : Cols() - 1; column >= 0; --column)
             if (opens(row, column)) {
                 edit(row, column);
@@ -544,7 +754,7 @@ void Grid::goVertically(int step)
     if (!endEdit())
         return;
     const int row = from.y() + step;
-    if (row < 1 || row >= Rows()) {
+    if (!isDataRow(row)) {
         edit(from.y(), from.x());
         return;
     }
@@ -646,9 +856,9 @@ void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previou
     QTableView::currentChanged(current, previous);
     setAttribute(Qt::WA_InputMethodEnabled, current.isValid() &&
                                                 columns_[current.column()].kind != ColumnKind::Number &&
-                                                opens(current.row() + 1, current.column()));
+                                                opens(rowOf(current), current.column()));
     if (current.isValid() && current.row() != previous.row())
-        runCommand([&] { emit currentRowChanged(current.row() + 1); });
+        runCommand([&] { emit currentRowChanged(rowOf(current)); });
 }
 
 void Grid::mousePressEvent(QMouseEvent* event)
@@ -661,7 +871,7 @@ void Grid::mousePressEvent(QMouseEvent* event)
     const QModelIndex pressed = indexAt(event->position().toPoint());
     if (pressed.isValid() && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier &&
         pressed == currentIndex())
-        reach(pressed.row() + 1, pressed.column());
+        reach(rowOf(pressed), pressed.column());
 }
 
 void Grid::mouseMoveEvent(QMouseEvent* event)
@@ -679,7 +889,7 @@ void Grid::mouseDoubleClickEvent(QMouseEvent* event)
     QTableView::mouseDoubleClickEvent(event);
     const QModelIndex hit = indexAt(event->position().toPoint());
     if (hit.isValid() && event->button() == Qt::LeftButton)
-        runCommand([&] { emit activatedRow(hit.row() + 1); });
+        runCommand([&] { emit activatedRow(rowOf(hit)); });
 }
 
 void Grid::resizeEvent(QResizeEvent* event)
@@ -693,9 +903,11 @@ void Grid::scrollContentsBy(int dx, int dy)
 {
     QTableView::scrollContentsBy(dx, dy);
     placeEditor();
+    if (dx != 0)
+        totals_->update();
 }
 
-// ---- copying and widths
+// ---- copying, saving and widths
 
 QString Grid::selectionAsText() const
 {
@@ -705,20 +917,11 @@ QString Grid::selectionAsText() const
             rows.insert(row);
     QString result;
     for (const int row : rows) {
-        bool first = true;
-        for (int column = 0; column < Cols(); ++column) {
-            if (isColumnHidden(column))
-                continue;
-            if (!std::exchange(first, false))
-                result += u'\t';
-            // A tab or a line break inside a cell would look like the next cell or row.
-            QString cell = model_->text(row, column);
-            for (QChar& c : cell)
-                if (c == u'\t' || c == u'\n' || c == u'\r')
-                    c = u' ';
-            result += cell;
-        }
-        result += u'\n';
+        QStringList cells;
+        for (int column = 0; column < Cols(); ++column)
+            if (!isColumnHidden(column))
+                cells += model_->text(row, column);
+        result += tabbedLine(cells);
     }
     return result;
 }
@@ -730,12 +933,87 @@ void Grid::copySelection()
         QApplication::clipboard()->setText(text);
 }
 
+TableContent Grid::content() const
+{
+    TableContent table;
+    for (int column = 0; column < Cols(); ++column)
+        if (!isColumnHidden(column)) {
+            table.captions += model_->captionAlone(column);
+            table.numeric += columns_[column].kind == ColumnKind::Number;
+        }
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < Cols(); ++column)
+            if (!isColumnHidden(column))
+                cells += model_->text(row, column);
+        table.rows += cells;
+    }
+    const bool placeHolder = table.rows.size() == 1 && table.rows[0].join(QString()).isEmpty();
+    if (placeHolder) // of an empty list
+        table.rows.clear();
+    return table;
+}
+
+void Grid::copyAll()
+{
+    const TableContent table = content();
+    QString text = tabbedLine(table.captions);
+    for (const QStringList& row : table.rows)
+        text += tabbedLine(row);
+    QApplication::clipboard()->setText(text);
+}
+
+/// The form's caption as a file's name; what stands behind two blanks in it is a remark.
+QString Grid::captionOfForm() const
+{
+    const QWidget* above = parentWidget();
+    while (above && !qobject_cast<const Form*>(above))
+        above = above->parentWidget();
+    static const QRegularExpression forbidden(u"[\\\\/:*?\"<>|]"_s);
+    const QString caption = above ? static_cast<const Form*>(above)->Caption() : QString();
+    const QString name = Trim(caption.section(u"  "_s, 0, 0).remove(forbidden));
+    return name.isEmpty() ? u"表格"_s : name;
+}
+
+void Grid::saveAs()
+{
+    if (!endEdit())
+        return;
+    const QString folderKey = u"SaveFolder"_s;
+    const QString title = captionOfForm();
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString offered = withSeparator(GetSetting(gridSettings, gridSection, folderKey, documents)) + title + u' ' +
+                            todayText() + u".xlsx"_s;
+    const auto path =
+        saveFileDialog(u"保存表格"_s, u"Excel工作簿(*.xlsx)|*.xlsx|逗号分隔的文本(*.csv)|*.csv"_s, offered);
+    if (!path || (fileExists(*path) && !askYesNo(u"文件“%1”已经存在，要替换它吗？"_s.arg(fileNameOf(*path)))))
+        return;
+    TableContent table = content();
+    table.sheet = title;
+    const QString failure = writeTable(*path, table);
+    if (!failure.isEmpty())
+        return MsgBox(u"表格没有保存。\n\n"_s + failure, u"提示"_s, BoxIcon::Exclamation);
+    SaveSetting(gridSettings, gridSection, folderKey, folderOf(*path));
+    constexpr int panel = 4;
+    setStatusPanel(panel, u"表格已保存到："_s + *path);
+}
+
+void Grid::addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)())
+{
+    auto* action = new QAction(caption, this);
+    action->setObjectName(name);
+    action->setShortcut(key);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    connect(action, &QAction::triggered, this, [this, run] { runCommand([this, run] { (this->*run)(); }); });
+    QTableView::addAction(action);
+}
+
 void Grid::rememberWidths(const QString& key)
 {
     widthsKey_ = key;
     if (key.isEmpty())
         return;
-    const QStringList widths = GetSetting(widthsApplication, widthsSection, key).split(u',', Qt::SkipEmptyParts);
+    const QStringList widths = GetSetting(gridSettings, gridSection, key).split(u',', Qt::SkipEmptyParts);
     if (widths.size() != columns_.size())
         return; // none yet, or those of another set of columns
     for (int column = 0; column < columns_.size(); ++column) {
@@ -755,7 +1033,7 @@ void Grid::saveWidths() const
     QStringList widths;
     for (const GridColumn& column : columns_)
         widths += plainText(column.width);
-    SaveSetting(widthsApplication, widthsSection, widthsKey_, widths.join(u','));
+    SaveSetting(gridSettings, gridSection, widthsKey_, widths.join(u','));
 }
 
 void Grid::fitStretch()

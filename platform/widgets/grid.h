@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/text.h"
+#include "platform/workbook/table_file.h"
 
 #include <QLineEdit>
 #include <QStringList>
@@ -20,9 +21,11 @@ struct GridColumn
     ColumnKind kind = ColumnKind::Text;
     bool hidden = false;
     bool stretch = false; ///< takes what width the others leave, but no less than its own; one column at most
+    QString group = {};   ///< neighbours with the same one stand under it, in a header row of its own
 };
 
 /// A grid of text cells. Row 0 holds the captions and shows as the header; data rows count from 1, columns from 0.
+/// Where columns have groups, row 0 holds these and row 1 the captions, and data rows count from 2.
 class Grid : public QTableView
 {
     Q_OBJECT
@@ -39,10 +42,12 @@ public:
     /// dropped, as with every change that takes the edited row away.
     void setRows(QList<QStringList> rows);
 
-    int Rows() const; ///< captions included
+    int fixedRows() const; ///< header rows: 1, or 2 with groups
+    int Rows() const;      ///< header rows included
     int Cols() const;
-    void setRowCount(int rows);                    ///< captions included
+    void setRowCount(int rows);                    ///< header rows included
     QString TextMatrix(int row, int column) const; ///< "" outside the grid
+    QStringList rowTexts(int row) const;           ///< of a data row; empty cells at its end may be left out
     void SetTextMatrix(int row, int column, const QString& text);
     /// A row from tab-separated cells, at the end.
     void AddItem(const QString& tabbed);
@@ -58,6 +63,8 @@ public:
     void setColumnVisible(int column, bool visible);
     /// Sets a row off from the others (totals) until the rows are replaced.
     void setEmphasized(int row);
+    /// Sets the last row off and keeps it in view below the others, until rows come or go.
+    void pinTotals();
 
     /// In-cell editing with the one line edit `TxtEnter` over the grid. A cell opens when it is clicked, reached by the
     /// arrows, or typed into. Enter and Tab end the edit and go to `nextCell`, Up and Down to the neighbouring row, Esc
@@ -85,6 +92,13 @@ public:
     /// The selected rows as text, cells separated by tabs: what Ctrl+C puts on the clipboard.
     QString selectionAsText() const;
     void copySelection();
+    /// The captions and all rows of the columns that show, in their order: what leaves the program is what is seen.
+    TableContent content() const;
+    /// `content` on the clipboard, cells separated by tabs.
+    void copyAll();
+    /// `content` as a workbook or as text, in a file that the operator names. The name offered is the form's caption
+    /// and the day.
+    void saveAs();
     /// Under this name the column widths are remembered per user ("B1/GD"); empty: not at all. After `setColumns`.
     void rememberWidths(const QString& key);
 
@@ -103,6 +117,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void updateGeometries() override;
 
 private:
     void reset() override { QTableView::reset(); } ///< the toolkit's; hidden, as it doesn't touch the rows
@@ -123,8 +138,19 @@ private:
     QPoint following(int row, int column) const;
     void fitStretch();
     void saveWidths() const;
+    int rowOf(const QModelIndex& index) const { return index.isValid() ? index.row() + fixedRows_ : 0; }
+    bool isDataRow(int row) const { return row >= fixedRows_ && row < Rows(); }
+    QModelIndex indexOf(int row, int column) const;
+    void unpinTotals();
+    void placeTotals();
+    void addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)());
+    QString captionOfForm() const;
+
+    class Totals;
 
     GridModel* model_ = nullptr;
+    Totals* totals_ = nullptr; ///< the pinned row as it is shown; the row itself is hidden meanwhile
+    int fixedRows_ = 1;
     QList<GridColumn> columns_;
     EditState state_ = EditState::Idle;
     QPoint cell_;    ///< of the open edit: x column, y row

@@ -51,23 +51,35 @@ ListDetailForm::ListDetailForm(const QString& name, const QString& caption, cons
         rowChanged();
     });
     connect(GD, &Grid::activatedRow, this, [this](int) { showTab(DetailTab); });
-    addKey(Qt::Key_F5, [this] {
-        if (Edstu == Viewing)
-            refresh();
-    });
+    addKey(Qt::Key_F5, [this] { recordsChanged(); });
+}
+
+void ListDetailForm::recordsChanged()
+{
+    if (Edstu == Viewing)
+        refresh();
 }
 
 QAction* ListDetailForm::addModeCommand(const QString& name, const QString& caption, Shown shown,
                                         std::function<void()> run)
 {
-    QAction* action = addCommand(name, caption, run);
-    if (!run) {
-        action->setEnabled(false);
-        if (shown != Shown::Never)
-            action->setToolTip(u"尚未提供"_s);
-    }
+    return addModeCommand(nullptr, name, caption, shown, std::move(run));
+}
+
+QAction* ListDetailForm::addModeCommand(QMenu* menu, const QString& name, const QString& caption, Shown shown,
+                                        std::function<void()> run)
+{
+    QAction* action = addCommand(menu, name, caption, run);
+    action->setEnabled(bool(run));
     modeCommands_.append({action, shown});
     return action;
+}
+
+QMenu* ListDetailForm::addModeMenu(const QString& name, const QString& caption, Shown shown)
+{
+    QMenu* menu = addCommandMenu(name, caption);
+    modeCommands_.append({menu->menuAction(), shown});
+    return menu;
 }
 
 void ListDetailForm::showMode()

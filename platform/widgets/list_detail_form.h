@@ -19,6 +19,9 @@ public:
     QTabBar* TabS = nullptr;
     Grid* GD = nullptr; ///< an empty list shows one empty row
 
+    /// An entry under way stays as it is.
+    void recordsChanged() override;
+
 protected:
     enum Tab { ListTab, DetailTab };
     enum Mode { Viewing, Adding, Editing };
@@ -26,9 +29,12 @@ protected:
 
     ListDetailForm(const QString& name, const QString& caption, const QString& listTab, const QString& detailTab);
 
-    /// A command at the end of the bar that is seen in those modes. Without `run` it stands disabled, as its work comes
-    /// with a later version.
+    /// A command at the end of the bar, or of a menu in it, that is seen in those modes. Without `run` it stands
+    /// disabled.
     QAction* addModeCommand(const QString& name, const QString& caption, Shown shown, std::function<void()> run);
+    QAction* addModeCommand(QMenu* menu, const QString& name, const QString& caption, Shown shown,
+                            std::function<void()> run);
+    QMenu* addModeMenu(const QString& name, const QString& caption, Shown shown);
     /// Shows commands and tabs for `Edstu`; forms with further conditions do theirs behind it.
     void showMode();
     QVBoxLayout* listPage() const { return pages_[ListTab]; }

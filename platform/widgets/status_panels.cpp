@@ -2,8 +2,10 @@
 
 #include "platform/widgets/controls.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPointer>
+#include <QProgressBar>
 
 StatusPanels::StatusPanels(int count, QWidget* parent)
     : QWidget(parent)
@@ -22,6 +24,10 @@ StatusPanels::StatusPanels(int count, QWidget* parent)
             layout->addWidget(line);
         }
     }
+    bar_ = new QProgressBar(this);
+    bar_->setObjectName(u"Progress"_s);
+    bar_->setRange(0, 100);
+    bar_->hide();
 }
 
 QLabel* StatusPanels::label(int panel) const
@@ -51,6 +57,20 @@ void StatusPanels::setToolTip(int panel, const QString& text)
         target->setToolTip(text);
 }
 
+void StatusPanels::showProgress(qint64 done, qint64 total)
+{
+    if (total <= 0)
+        return bar_->hide();
+    constexpr int length = 260, thickness = 15;
+    // Placed by hand: a layout would wait for the event loop, which does not turn while the work goes on.
+    bar_->setGeometry(width() - length - 8, (height() - thickness) / 2, length, thickness);
+    bar_->setValue(int(done * 100 / total));
+    bar_->show();
+    bar_->raise();
+    if (isVisible())
+        bar_->repaint();
+}
+
 StatusHost StatusPanels::host()
 {
     const QPointer<StatusPanels> self = this;
@@ -58,5 +78,15 @@ StatusHost StatusPanels::host()
                 if (self)
                     self->setText(panel, text);
             },
-            [self](int panel) { return self ? self->text(panel) : QString(); }};
+            [self](int panel) { return self ? self->text(panel) : QString(); },
+            [](bool busy) {
+                if (busy)
+                    QApplication::setOverrideCursor(Qt::WaitCursor);
+                else
+                    QApplication::restoreOverrideCursor();
+            },
+            [self](qint64 done, qint64 total) {
+                if (self)
+                    self->showProgress(done, total);
+            }};
 }

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class QLabel;
+class QProgressBar;
 
 /// The panels of the main window's status bar: labels named "StB(1)" to "StB(4)", the last one taking the width that is
 /// left. Stands in a QStatusBar by `addWidget(panels, 1)`.
@@ -31,5 +32,8 @@ signals:
 private:
     QLabel* label(int panel) const;
 
+    void showProgress(qint64 done, qint64 total);
+
     QList<QLabel*> labels_;
+    QProgressBar* bar_ = nullptr; ///< over the end of the last panel while long work goes on
 };

@@ -139,6 +139,7 @@ QListView[look="conditions"] { background: @selectedRow; color: @selectedText;
 QPushButton { background: @field; color: @text; border: 1px solid @lines; border-radius: 3px; padding: 2px 12px;
     min-height: 21px; }
 QPushButton:hover { background: @selectedRow; color: @selectedText; }
+QPushButton:checked { background: @selectedRow; color: @selectedText; border-color: @accent; }
 QPushButton:pressed { background: @headerGround; }
 QPushButton:focus { border-color: @accent; }
 QPushButton:default { border-color: @accent; }

@@ -1,7 +1,9 @@
 #include "platform/widgets/system_desktop.h"
 
+#include "platform/base/dialogs.h"
 #include "platform/base/files.h"
 #include "platform/base/text.h"
+#include "platform/widgets/manual_window.h"
 #include "platform/widgets/style.h"
 
 #include <QDesktopServices>
@@ -102,14 +104,27 @@ private:
         picture.save(icons.filePath(u"application-x-%1.png"_s.arg(id)));
 
         refresh(u"update-mime-database"_s, data.filePath(u"mime"_s));
-        refresh(u"update-desktop-database"_s, data.filePath(u"applications"_s));
+        if (!refresh(u"update-desktop-database"_s, data.filePath(u"applications"_s)))
+            addToCache(data.filePath(u"applications/mimeinfo.cache"_s), type, id);
     }
 
-    static void refresh(const QString& tool, const QString& folder)
+    /// @return false when this machine has no such tool
+    static bool refresh(const QString& tool, const QString& folder)
     {
         const QString program = QStandardPaths::findExecutable(tool);
-        if (!program.isEmpty())
-            QProcess::startDetached(program, {folder});
+        return !program.isEmpty() && QProcess::startDetached(program, {folder});
+    }
+
+    /// What the missing tool would write: desktops look up there which program opens a type.
+    static void addToCache(const QString& path, const QString& type, const QString& id)
+    {
+        const QString heading = u"[MIME Cache]"_s;
+        QStringList lines = readLines(path).value_or(QStringList());
+        lines.removeIf([&](const QString& line) { return line.startsWith(type + u'='); });
+        if (!lines.contains(heading))
+            lines.prepend(heading);
+        lines.insert(lines.indexOf(heading) + 1, u"%1=%2.desktop;"_s.arg(type, id));
+        writeLines(path, lines);
     }
 
     std::map<QString, QString> values_;
@@ -137,19 +152,26 @@ public:
     void open(const QString& target) override
     {
         const QString fileScheme = u"file://"_s;
-        if (target.startsWith(fileScheme, Qt::CaseInsensitive))
-            QDesktopServices::openUrl(QUrl::fromLocalFile(resolvedPath(target.mid(fileScheme.size()))));
-        else
-            QDesktopServices::openUrl(QUrl::fromUserInput(target));
+        const QUrl url = target.startsWith(fileScheme, Qt::CaseInsensitive)
+                             ? QUrl::fromLocalFile(resolvedPath(target.mid(fileScheme.size())))
+                             : QUrl::fromUserInput(target);
+        if (!QDesktopServices::openUrl(url))
+            MsgBox(u"系统没有可以打开它的程序：\n\n%1"_s.arg(target));
     }
 
     void run(const QString& commandLine) override
     {
+        if (const auto manual = manualOf(commandLine)) {
+            if (!ManualWindow::open(manual->folder, manual->chapter))
+                MsgBox(u"没找到使用说明！\n\n它应当在这个文件夹中：\n%1\n\n请重新安装本软件。"_s.arg(manual->folder));
+            return;
+        }
         QStringList parts = splitCommandLine(commandLine);
         if (parts.isEmpty())
             return;
         const QString program = parts.takeFirst();
-        QProcess::startDetached(program, parts, QFileInfo(program).absolutePath());
+        if (!QProcess::startDetached(program, parts, QFileInfo(program).absolutePath()))
+            MsgBox(u"无法启动程序：\n\n%1"_s.arg(commandLine));
     }
 
     void registerClass(const QString& key, const QString& subkey, const QString& value) override
@@ -181,11 +203,30 @@ QStringList splitCommandLine(const QString& commandLine)
     const QString line = commandLine.trimmed();
     if (!line.startsWith(u'"'))
         for (qsizetype end = line.size(); end > 0; end = line.lastIndexOf(u' ', end - 1)) {
-            const QString program = resolvedPath(line.left(end));
-            if (fileExists(program))
+            const QString program = programPath(line.left(end));
+            if (!program.isEmpty())
                 return QStringList(program) + QProcess::splitCommand(line.mid(end));
         }
     return QProcess::splitCommand(line);
+}
+
+std::optional<ManualTarget> manualOf(const QString& commandLine)
+{
+    const QString viewer = u"hh.exe "_s;
+    const QString pageSeparator = u"::/"_s;
+    const QString bookSuffix = u".chm"_s;
+    if (!commandLine.startsWith(viewer, Qt::CaseInsensitive))
+        return {};
+    QString book = commandLine.mid(viewer.size()).trimmed();
+    ManualTarget target;
+    if (const qsizetype at = book.indexOf(pageSeparator); at >= 0) {
+        target.chapter = QFileInfo(book.mid(at + pageSeparator.size())).completeBaseName();
+        book.truncate(at);
+    }
+    if (book.endsWith(bookSuffix, Qt::CaseInsensitive))
+        book.chop(bookSuffix.size());
+    target.folder = resolvedPath(book);
+    return target;
 }
 
 std::unique_ptr<DesktopHost> systemDesktop()

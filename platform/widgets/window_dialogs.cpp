@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRegularExpression>
 
@@ -168,6 +170,43 @@ public:
             return std::nullopt;
         const QString chosen = dialog.selectedFiles().constFirst();
         return saving ? withFilterExtension(chosen, dialog.selectedNameFilter()) : chosen;
+    }
+
+    std::optional<PrintJob> print(const PrintRequest& request) override
+    {
+        QPrinter printer(QPrinter::HighResolution);
+        if (!request.job.printer.isEmpty())
+            printer.setPrinterName(request.job.printer);
+        const QSizeF paper = request.job.paper.isEmpty() ? request.paper : request.job.paper;
+        printer.setPageSize(QPageSize(paper, QPageSize::Millimeter, {}, QPageSize::FuzzyMatch));
+        printer.setDocName(request.document);
+        printer.setCopyCount(request.job.copies);
+        printer.setCollateCopies(request.job.collate);
+        const QSizeF offered = printer.pageLayout().pageSize().size(QPageSize::Millimeter);
+        QPrintDialog dialog(&printer, dialogOwner());
+        dialog.setWindowTitle(request.title);
+        dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
+                          QAbstractPrintDialog::PrintCollateCopies | QAbstractPrintDialog::PrintShowPageSize);
+        dialog.setMinMax(1, request.pages);
+        dialog.setFromTo(request.job.first, request.job.last > 0 ? request.job.last : request.pages);
+        dialog.setPrintRange(QAbstractPrintDialog::AllPages);
+        if (execModal(dialog) != QDialog::Accepted)
+            return std::nullopt;
+        PrintJob job;
+        job.printer = printer.printerName();
+        if (printer.outputFormat() == QPrinter::PdfFormat)
+            job.file = printer.outputFileName();
+        job.copies = printer.copyCount();
+        job.collate = printer.collateCopies();
+        if (dialog.printRange() == QAbstractPrintDialog::PageRange) {
+            job.first = dialog.fromPage();
+            job.last = dialog.toPage();
+        }
+        // Only another choice of paper counts: what was offered may be the printer's nearest to the report's own.
+        const QPageLayout chosen = printer.pageLayout();
+        if (chosen.pageSize().size(QPageSize::Millimeter) != offered)
+            job.paper = chosen.fullRect(QPageLayout::Millimeter).size();
+        return job;
     }
 
     void doEvents() override
