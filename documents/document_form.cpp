@@ -1,5 +1,6 @@
 #include "documents/document_form.h"
 
+#include "documents/document_print.h"
 #include "documents/line_entry.h"
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
@@ -55,8 +56,8 @@ void DocumentForm::buildCommands()
         const char* name;
         QStringView caption;
         Shown shown;
-        void (DocumentForm::*run)(); ///< none: it comes with a later version, or has no command
-        bool writes = false;         ///< asks for the right of the form's menu
+        void (DocumentForm::*run)(); ///< none: an item that nothing shows
+        bool gated = false;          ///< asks for the right of the form's menu
     };
     // clang-format off
     static constexpr Row rows[] = {
@@ -67,7 +68,7 @@ void DocumentForm::buildCommands()
         {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
         {"Menu_query",  u"&Q.查找",     Shown::Viewing,  &DocumentForm::Menu_query},
         {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr},
-        {"Menu_print",  u"&P.打印",     Shown::Viewing,  nullptr},
+        {"Menu_print",  u"&P.打印",     Shown::Viewing,  &DocumentForm::Menu_print,  true},
         {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
         {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel},
         {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return},
@@ -76,15 +77,19 @@ void DocumentForm::buildCommands()
     for (const Row& row : rows) {
         if (row.run == &DocumentForm::Menu_noOK && kind_.unaudit == Unaudit::Never)
             continue;
+        if (row.run == &DocumentForm::Menu_print && !kind_.prints->items.isEmpty()) {
+            addPrintItems(addModeMenu(QString::fromLatin1(row.name), row.caption.toString(), row.shown));
+            continue;
+        }
         std::function<void()> run;
         if (row.run)
             run = [this, &row] {
-                if (!row.writes || requireRight(kind_.right))
+                if (!row.gated || requireRight(kind_.right))
                     (this->*row.run)();
             };
         QAction* action = addModeCommand(QString::fromLatin1(row.name), row.caption.toString(), row.shown, run);
-        if (row.writes)
-            writing_ += action;
+        if (row.gated)
+            gated_ += action;
     }
     if (kind_.templates == Templates::Hidden) {
         QMenu* board = addCommandMenu(u"Menu_Board"_s, u"&B.模板"_s);
@@ -94,6 +99,20 @@ void DocumentForm::buildCommands()
             addCommand(board, name, caption, {})->setEnabled(false);
         setCommandVisible(board->menuAction(), false);
     }
+}
+
+void DocumentForm::addPrintItems(QMenu* menu)
+{
+    const auto add = [&](PrintItem item, const QString& caption, Shown shown) {
+        gated_ += addModeCommand(menu, controlName(kind_.prints->items.toString(), item), caption, shown, [this, item] {
+            if (requireRight(kind_.right))
+                Menu_prn(item);
+        });
+    };
+    add(StoredPrint, u"&1."_s + kind_.title + u"(方案一)"_s, Shown::Viewing);
+    add(ShownPrint, u"&2."_s + kind_.title + u"(方案二)"_s, Shown::Viewing);
+    if (!kind_.prints->purchase.isEmpty())
+        add(PurchasePrint, u"&3.打印采购单"_s, Shown::Never);
 }
 
 void DocumentForm::buildList()
@@ -329,8 +348,10 @@ void DocumentForm::updateState()
     const bool entering = Edstu != Viewing;
     const bool allowed = hasRight(kind_.right);
     showMode();
-    for (QAction* action : writing_)
+    for (QAction* action : gated_)
         action->setEnabled(allowed);
+    if (QAction* shown = command(controlName(kind_.prints->items.toString(), ShownPrint)))
+        shown->setEnabled(allowed && gWithMoney != 0); // it is ruled for prices
     if (QAction* unaudit = command(u"Menu_noOK"_s); unaudit && !isTopAdministrator())
         setCommandVisible(unaudit, false);
     for (const int i : {Number, Date, Remark})
@@ -392,6 +413,11 @@ bool DocumentForm::queryUnload()
         return true;
     EditingNotice();
     return false;
+}
+
+QString DocumentForm::notice() const
+{
+    return clockDoubt();
 }
 
 void DocumentForm::unloaded()
@@ -473,6 +499,25 @@ void DocumentForm::Menu_query()
         listAll(conditionOf(PubSql));
 }
 
+void DocumentForm::Menu_print()
+{
+    Menu_prn(StoredPrint);
+}
+
+void DocumentForm::Menu_prn(int index)
+{
+    if (index == PurchasePrint)
+        return printStored(kind_, kind_.prints->purchase, listCell(Number));
+    if (index == StoredPrint)
+        return printStored(kind_, kind_.prints->report, listCell(Number));
+    if (!onDetail())
+        loadDetail();
+    const bool tenRows = gOutboundFlagB != 0 && !kind_.prints->tenRows.isEmpty();
+    const auto text = [this](ListColumn column) { return Txt[column]->text(); };
+    printShown(kind_, {text(Number), text(Date), text(PartnerName), text(Clerk), text(Auditor), text(Total)},
+               *lines->GdMx, tenRows ? CompactForm::TenRows : CompactForm::Plain);
+}
+
 void DocumentForm::Menu_Return()
 {
     Unload();
@@ -485,14 +530,16 @@ void DocumentForm::Menu_save()
     if (!lines->endEdit() || !headerComplete())
         return;
     QString partnerCode;
-    if (!findPartner(partnerCode))
-        return;
-    if (lines->isEmpty())
-        return MsgBox(u"不能保存空的单据！请录入"_s + kind_.word + u"货品！"_s);
     QString number = Txt[Number]->text();
     const bool typed = number != ReservedNo;
     {
-        const WriteRun run(gDB); // from the test of the number on, so that nobody else takes it meanwhile
+        // From the test of the number on, so that nobody else takes it meanwhile; and a consignee who is added comes
+        // with the document or not at all.
+        const WriteRun run(gDB);
+        if (!findPartner(partnerCode))
+            return;
+        if (lines->isEmpty())
+            return MsgBox(u"不能保存空的单据！请录入"_s + kind_.word + u"货品！"_s);
         if (!numberFree(number, typed))
             return;
         write(number, partnerCode);
@@ -539,7 +586,8 @@ bool DocumentForm::findPartner(QString& code)
     if (name == u"NoFound" && kind_.partnerRule == Partner::AddedIfUnknown && gOutboundFlagA == 1 && !code.isEmpty()) {
         gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' + sqlText(code) +
                     u')');
-        CmbLB->addItem(entryOf(code, code)); // the next document finds the new consignee in the list
+        if (CmbLB->findText(entryOf(code, code)) < 0) // the next document finds the new consignee in the list
+            CmbLB->addItem(entryOf(code, code));
         CmbLB->setEditText(code);
         Txt[PartnerName]->setText(code);
         return true;

@@ -21,6 +21,8 @@ public:
     void Menu_del();
     void Menu_Ok();    ///< audit: moves `TA4` record by record
     void Menu_noOK();  ///< un-audit, for "001" only
+    void Menu_print(); ///< of a kind without items below it
+    void Menu_prn(int index);
     void Menu_query(); ///< lists what meets the operator's conditions, drafts and audited documents
     void Menu_save();
     void Menu_cancel();
@@ -45,11 +47,15 @@ public:
 protected:
     bool queryUnload() override;
     void unloaded() override;
+    QString notice() const override;
 
 private:
     enum ListColumn { Number, Date, PartnerName, Clerk, Auditor, Total, Remark, PartnerCode, ListColumns };
 
+    enum PrintItem { StoredPrint, ShownPrint, PurchasePrint };
+
     void buildCommands();
+    void addPrintItems(QMenu* menu);
     void buildList();
     void buildDetail();
     void fillPartners();
@@ -82,7 +88,7 @@ private:
     const DocumentTraits& kind_;
     bool allDocuments_ = false; ///< set by a search; the list then shows audited documents too
     QString condition_;
-    QList<QAction*> writing_; ///< commands that ask for the right of the form's menu
+    QList<QAction*> gated_; ///< commands that ask for the right of the form's menu
     QLabel* count_ = nullptr;
 };
 

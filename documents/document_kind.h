@@ -20,6 +20,7 @@ enum class NewGoods { Panel, None };     ///< whether goods can be added from wi
 enum class Wording { Inbound, Common };  ///< the inbound form words some refusals in its own way
 enum class Templates { Hidden, None };   ///< the template menu that nothing shows
 enum class Stamp { SaveTime, None };     ///< whether the header keeps the time of its last change, `H8`
+enum class Letterhead { Company, None }; ///< what scheme one prints above a document
 
 /// What the lines of a document hold and how they count.
 struct LineSheet
@@ -50,6 +51,40 @@ struct TotalCaptions
 
 inline constexpr TotalCaptions movementTotals{u"金额", u"数量", u"金额合计", u"数量合计"};
 inline constexpr TotalCaptions countTotals{u"盈亏额", u"盈亏数", u"盈亏额合计", u"盈亏数量"};
+
+/// What a kind of document hands to the print host. Scheme one prints the document as the ledger has it, scheme two the
+/// lines as the grid shows them.
+struct DocumentPrints
+{
+    QStringView items;    ///< control array of the items below `Menu_print`; empty: a command without items
+    QStringView report;   ///< scheme one
+    QStringView tested;   ///< the file whose presence is asked for; empty: the one that prints
+    QStringView missing;  ///< %1 is the tested file
+    QStringView purchase; ///< the purchase form, which nothing shows
+    Letterhead letterhead;
+    QStringView title;     ///< from here on scheme two
+    QStringView partner;   ///< in front of the partner's name
+    QStringView signature; ///< %1 clerk, %2 auditor
+    QStringView tenRows;   ///< for the sheet of ten lines
+};
+
+// The forms of the users are ruled for these words and blanks.
+// clang-format off
+inline constexpr DocumentPrints inboundPrints{
+    u"Menu_prn", u"prntb10.rpt", u"", u"报表文件%1丢失！", u"prntb100.rpt", Letterhead::Company,
+    u"货品入库单", u"供货单位：", u"制单人:%1                  审核人:%2                  经手人:", u""};
+inline constexpr DocumentPrints returnPrints{
+    u"menu_prn", u"prntb30.rpt", u"", u"报表文件丢失！", u"", Letterhead::Company,
+    u"退  货  单", u"供货单位：", u"", u""};
+inline constexpr DocumentPrints outboundPrints{
+    u"Menu_prn", u"prntd10.rpt", u"", u"报表文件丢失！", u"", Letterhead::Company,
+    u"货品出库单", u"出货单位：", u"制单人：%1              审核人：%2            经手人： ", u"Pdan10.rpt"};
+inline constexpr DocumentPrints backPrints{
+    u"Menu_prn", u"prntd30.rpt", u"", u"报表文件丢失！", u"", Letterhead::Company,
+    u"货品退库单", u"出货单位：", u"", u""};
+inline constexpr DocumentPrints countPrints{
+    u"", u"prnTC2.rpt", u"prntc2.rpt", u"报表文件%1丢失！", u"", Letterhead::None, u"", u"", u"", u""};
+// clang-format on
 
 inline constexpr QStringView moves = u"审核操作将对库存货品进行更新，";
 inline constexpr QStringView adjusts = u"审核操作将根据盘点盈亏数量对存库货品的数量进行更新，";
@@ -84,6 +119,7 @@ struct DocumentTraits
     Stamp stamp;
     const LineSheet* sheet;
     const TotalCaptions* totals;
+    const DocumentPrints* prints;
 
     QString headerTable() const { return header.toString(); }
     QString lineTable() const { return header + QStringLiteral("1"); }
@@ -100,21 +136,26 @@ inline constexpr auto documentTraits = [] {
     //   form   title          warning word    status     partner       header  no.    table   last column       price
     {B1, u"B1", u"货品入库单", u"", u"入库", u"入库单", u"供货单位", u"TB1", u"RK", u"TA1", u"供货单位编码", u"F7", moves,
      OperatorRight::In,  Up,   Averaged, Free,    LockDate, Unaudit::ByAdministrator, Required, CostRight,
-     NullCost::Zero,      NewGoods::Panel, Wording::Inbound, Templates::None,   Stamp::SaveTime, movement, sums},
+     NullCost::Zero,      NewGoods::Panel, Wording::Inbound, Templates::None,   Stamp::SaveTime, movement, sums,
+     &inboundPrints},
     {B3, u"B3", u"公司退货单", u"", u"退货", u"退货单", u"供货单位", u"TB3", u"TH", u"TA1", u"供货单位编码", u"F7", moves,
      OperatorRight::In,  Down, Averaged, Checked, Question, Unaudit::ByAdministrator, Required, Everybody,
-     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::SaveTime, movement, sums},
+     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::SaveTime, movement, sums,
+     &returnPrints},
     {D1, u"D1", u"货品出库单", u"", u"出库", u"出库单", u"出货单位", u"TD1", u"CK", u"TA2", u"出货单位编码", u"F71", moves,
      OperatorRight::Out, Down, Kept,     Checked, Question, Unaudit::ByAdministrator, AddedIfUnknown, Everybody,
-     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::Hidden, Stamp::SaveTime, movement, sums},
+     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::Hidden, Stamp::SaveTime, movement, sums,
+     &outboundPrints},
     {D3, u"D3", u"货品退库单", u"", u"退库", u"退库单", u"退库单位", u"TD3", u"TK", u"TA2", u"退库单位编码", u"F71", moves,
      OperatorRight::Out, Up,   Kept,     Free,    LockDate, Unaudit::ByAdministrator, Required, Everybody,
-     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::SaveTime, movement, sums},
+     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::SaveTime, movement, sums,
+     &backPrints},
     // The status line of the stock-take has always spoken of inbound documents, and operators know it so.
     {C2, u"C2", u"货品盘点单", u"  警告！在货品盘点至盘点单录入结束期间，不可以进行任何出库入库操作！",
      u"盘点", u"入库单", u"盘点人", u"TC2", u"PD", u"", u"", u"F7", adjusts,
      OperatorRight::Stock, ByDifference, Kept, Free, LockDate, Unaudit::Never, TypedName, Everybody,
-     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::None, &countLines, &countTotals},
+     NullCost::Malformed, NewGoods::None,  Wording::Common,  Templates::None,   Stamp::None, &countLines, &countTotals,
+     &countPrints},
     });
 }();
 // clang-format on

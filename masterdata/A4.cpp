@@ -5,6 +5,7 @@
 #include "platform/base/dialogs.h"
 #include "platform/widgets/picture.h"
 #include "platform/widgets/style.h"
+#include "reports/printing.h"
 
 #include <QPainter>
 
@@ -296,6 +297,18 @@ QList<QueryField> A4::queryFields() const
         offer(CostColumn, u"F7", QueryType::Number);
     offer(RemarkColumn, u"F6");
     return fields;
+}
+
+/// Who may not see the cost gets the sale price in its place.
+RecordPrint A4::printed() const
+{
+    return {u"PrnTa4.rpt"_s,
+            u"prnTa4.rpt"_s,
+            u"报表文件prnTa4.rpt丢失！"_s,
+            {formula(u"Cpt", u"货品编码资料"), formula(u"regname", gCompanyName),
+             formula(u"regaddr", u"地址："_s + gCompanyAddr), formula(u"regtel", u"电话："_s + gCompanyTel)},
+            {CodeColumn, NameColumn, CategoryColumn, UnitColumn, ModelColumn, gCanSeeCost ? CostColumn : SaleColumn,
+             RemarkColumn}};
 }
 
 void A4::refresh()

@@ -66,6 +66,7 @@ private:
 
     QString listStatement() const override;
     QList<QueryField> queryFields() const override;
+    RecordPrint printed() const override;
     void refresh() override;
     void rereadRow();
     void showRecord() override;

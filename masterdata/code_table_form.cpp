@@ -3,6 +3,9 @@
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
+#include "reports/printing.h"
+
+#include <numeric>
 
 namespace {
 
@@ -78,6 +81,17 @@ QList<QueryField> CodeTableForm::queryFields() const
     for (int column = 0; column < GD->Cols(); ++column)
         fields += {GD->TextMatrix(0, column), u"%1.F%2"_s.arg(kind_.table).arg(column + 1)};
     return fields;
+}
+
+RecordPrint CodeTableForm::printed() const
+{
+    QList<int> columns(GD->Cols());
+    std::iota(columns.begin(), columns.end(), 0);
+    return {kind_.report.toString(),
+            kind_.tested.toString(),
+            u"报表文件%1丢失！"_s.arg(kind_.missing),
+            {formula(u"Cpt", kind_.printTitle)},
+            columns};
 }
 
 void CodeTableForm::showRecord()

@@ -19,6 +19,7 @@ private:
 
     QString listStatement() const override;
     QList<QueryField> queryFields() const override;
+    RecordPrint printed() const override;
     void showRecord() override;
     bool deletable(const QString& code) override;
     void insert() override;

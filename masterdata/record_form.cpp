@@ -4,6 +4,8 @@
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/status.h"
+#include "reports/grid_rows.h"
+#include "reports/printing.h"
 
 #include <QTabBar>
 
@@ -34,7 +36,7 @@ void RecordForm::addEditCommands()
 void RecordForm::addListCommands()
 {
     addGated("Menu_query", u"&Q.查找"_s, Shown::Viewing, &RecordForm::Menu_query);
-    addModeCommand(u"Menu_print"_s, u"&P.打印"_s, Shown::Viewing, {});
+    addGated("Menu_print", u"&P.打印"_s, Shown::Viewing, &RecordForm::Menu_print);
 }
 
 void RecordForm::addEndCommands()
@@ -207,6 +209,20 @@ void RecordForm::Menu_query()
     searched_ = true;
     condition_ = conditionOf(PubSql);
     refresh();
+}
+
+void RecordForm::Menu_print()
+{
+    if (listEmpty())
+        return MsgBox(u"没有数据可打印！"_s);
+    const RecordPrint print = printed();
+    if (!requireReportFile(print.tested, print.missing))
+        return;
+    QStringList columns;
+    for (qsizetype i = 1; i <= print.columns.size(); ++i)
+        columns += u"F%1"_s.arg(i);
+    stageRows(u"PrTA1"_s, columns.join(u','), gridRows(*GD, GD->Rows() - 1, print.columns));
+    preview({print.report, print.formulas, {}});
 }
 
 void RecordForm::Menu_cancel()

@@ -17,6 +17,16 @@ struct RecordTable
     QStringList useTests; ///< statements that lack the code at their end; a row means the code is in use
 };
 
+/// What a form over a table of records prints of its list.
+struct RecordPrint
+{
+    QString report;
+    QString tested;  ///< the file whose presence is asked for
+    QString missing; ///< what is told when it isn't there
+    QStringList formulas;
+    QList<int> columns; ///< of the list, staged as `F1`, `F2`, ...
+};
+
 /// A form over one table of coded records: list and detail, add, edit, delete. Which table, which fields and what more
 /// a record needs comes from the forms built on it. An edit is written as a delete and an insert.
 class RecordForm : public ListDetailForm
@@ -29,6 +39,7 @@ public:
     void Menu_edit();
     void Menu_del();
     void Menu_query(); ///< lists what meets the operator's conditions
+    void Menu_print(); ///< the list as it stands
     void Menu_save();
     void Menu_cancel();
     void Menu_Return();
@@ -57,6 +68,7 @@ protected:
     /// The statement of the list, its columns those of `GD`.
     virtual QString listStatement() const = 0;
     virtual QList<QueryField> queryFields() const { return {}; }
+    virtual RecordPrint printed() const { return {}; }
     /// Set by a search: the list's statement may be another one then, and takes the condition.
     bool searched() const { return searched_; }
     const QString& condition() const { return condition_; }

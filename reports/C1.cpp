@@ -1,12 +1,17 @@
 #include "reports/C1.h"
 
+#include "ledger/literal.h"
 #include "platform/widgets/controls.h"
+#include "reports/grid_rows.h"
+#include "reports/printing.h"
 
 namespace {
 
 constexpr QStringView stockCaption = u"库存货品统计";
 constexpr QStringView costCaption = u"成本价格";
-constexpr int priceColumn = 6;
+constexpr int stockQuantityColumn = 5;
+constexpr int stockPriceColumn = 6;
+constexpr int stockAmountColumn = 7;
 
 Listing stockListing(C1::Price price)
 {
@@ -68,10 +73,8 @@ C1::C1(Mode mode)
         item->setCheckable(true);
         priceItems_[int(price)] = item;
     }
-    addLaterCommand(nullptr, u"Menu_print"_s, u"&P.打印"_s);
-    QAction* barcodes = addCommand(u"Menu_T"_s, u"&T.打印条码"_s, {});
-    barcodes->setEnabled(false);
-    setCommandVisible(barcodes, false);
+    addListCommand(nullptr, u"Menu_print"_s, u"&P.打印"_s, [this] { Menu_print(); });
+    addBarcodeCommand();
     addReturnCommand();
     start(mode);
 }
@@ -94,7 +97,7 @@ void C1::start(Mode mode)
 
 bool C1::costShown() const
 {
-    return !listing().columns.isEmpty() && listing().columns[priceColumn].caption == costCaption;
+    return !listing().columns.isEmpty() && listing().columns[stockPriceColumn].caption == costCaption;
 }
 
 // An alarm begins a list of its own: a search before it must not hide goods from it.
@@ -127,6 +130,23 @@ void C1::Menu_Price(Price price)
     all.filter = listing().filter;
     all.order = listing().order;
     list(std::move(all));
+}
+
+void C1::Menu_print()
+{
+    if (!requireRecords() || !requireReportFile(u"prntc1.rpt"_s, u"报表文件prntc1.rpt丢失！"_s))
+        return;
+    const QList<int> texts{0, 1, 2, 3, 4};
+    QList<QStringList> rows =
+        gCanSeeCost ? gridRows(*GD, count(), texts, {stockQuantityColumn, stockPriceColumn, stockAmountColumn})
+                    : gridRows(*GD, count(), texts, {stockQuantityColumn});
+    for (QStringList& row : rows) {
+        row.prepend(sqlText(u"1"));
+        if (!gCanSeeCost) // no price at all, so that no cost can come out
+            row.append({u"0"_s, u"0"_s});
+    }
+    stageRows(u"PRTc1"_s, u"F0,F1,F2,F3,F4,F5,F6,F7,F8"_s, rows);
+    preview({u"Prntc1.rpt"_s, {}, {}});
 }
 
 QList<QueryField> C1::queryFields() const

@@ -23,6 +23,7 @@ public:
     void Menu_Morethan(); ///< goods above their highest stock, at sale price
     /// All goods, at that price; the operator's conditions stay in force.
     void Menu_Price(Price price);
+    void Menu_print();
 
     void sessionChanged() override;
 

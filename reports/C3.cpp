@@ -2,6 +2,9 @@
 
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
+#include "platform/widgets/grid.h"
+#include "reports/grid_rows.h"
+#include "reports/printing.h"
 
 namespace {
 
@@ -39,7 +42,43 @@ C3::C3()
 {
     addListCommand(nullptr, u"Menu_query"_s, u"&Q.查找"_s, [this] { Menu_query(); });
     addSortMenu(1, {u"&1.按盘点日期", u"&2.按货品编码", u"&3.按盈亏数量", u"&4.按核算价格", u"&5.按盈亏金额"});
-    addPrintMenu();
+    addPrintMenu([this] { Menu_print1(); }, [this] { Menu_print2(); });
     addReturnCommand();
     list(gainsListing());
+}
+
+void C3::Menu_print1()
+{
+    if (!printable())
+        return;
+    QList<QStringList> rows =
+        gridRows(*GD, count(), {NumberCell, DateCell, TakerCell, GoodsCell}, {GainCell, PriceCell, AmountCell});
+    for (int row = 1; row <= count(); ++row) {
+        QStringList goods;
+        for (const int column : {NameCell, ModelCell, UnitCell})
+            goods += GD->TextMatrix(row, column);
+        rows[row - 1].insert(GoodsCell + 1, sqlText(goods.join(u'/')));
+    }
+    print(u"Prntlst.rpt"_s, u"货品盘点流水帐"_s, std::move(rows));
+}
+
+void C3::Menu_print2()
+{
+    if (printable())
+        print(u"Prntc3.rpt"_s, u"货品盘点报表"_s,
+              gridRows(*GD, count(), {NumberCell, GoodsCell, NameCell, ModelCell, UnitCell},
+                       {GainCell, PriceCell, AmountCell}));
+}
+
+bool C3::printable() const
+{
+    return requireRecords() && requireReportFile(u"prntc3.rpt"_s, u"报表文件prntc3.rpt丢失！"_s);
+}
+
+void C3::print(const QString& reportFile, const QString& title, QList<QStringList> rows)
+{
+    for (QStringList& row : rows)
+        row.prepend(sqlText(u"1"));
+    stageRows(u"PRTB2"_s, u"F0,F1,F2,F3,F4,F5,F6,F7,F8"_s, rows);
+    preview({reportFile, {formula(u"Cpt", title)}, {}});
 }

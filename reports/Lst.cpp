@@ -2,8 +2,16 @@
 
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
+#include "platform/widgets/grid.h"
+#include "reports/grid_rows.h"
+#include "reports/printing.h"
+
+#include <numeric>
 
 namespace {
+
+constexpr int statisticsQuantityColumn = 11;
+constexpr int statisticsAmountColumn = 13;
 
 Listing statisticsListing(const StatisticsTraits& kind)
 {
@@ -56,7 +64,7 @@ Lst::Lst(StatisticsMode mode)
     addListCommand(nullptr, u"Menu_query"_s, u"&Q.查找"_s, [this] { Menu_query(); });
     addSortMenu(0, {u"&1.按单据日期", u"&2.按相关单位", u"&3.按货品编码", u"&4.按发生数量", u"&5.按货品价格",
                     u"&6.按发生金额"});
-    addPrintMenu();
+    addPrintMenu([this] { Menu_print1(); }, [this] { Menu_print2(); });
     addReturnCommand();
     start(mode);
 }
@@ -65,4 +73,25 @@ void Lst::start(StatisticsMode mode)
 {
     list(statisticsListing(traitsOf(mode)));
     mode_ = mode;
+}
+
+void Lst::Menu_print1()
+{
+    print(u"Plist.rpt"_s, traitsOf(mode_).word + u"流水帐"_s);
+}
+
+void Lst::Menu_print2()
+{
+    print(u"Psum.rpt"_s, traitsOf(mode_).word + u"统计表"_s);
+}
+
+void Lst::print(const QString& reportFile, const QString& title)
+{
+    if (!requireRecords())
+        return;
+    QList<int> texts(GD->Cols());
+    std::iota(texts.begin(), texts.end(), 0);
+    stageRows(u"Plist"_s, u"F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,V1,V2"_s,
+              numberedRows(gridRows(*GD, count(), texts, {statisticsQuantityColumn, statisticsAmountColumn})));
+    preview({reportFile, {formula(u"Cpt", title)}, {}});
 }

@@ -14,7 +14,11 @@ public:
     /// The one window of the four kinds; opened for another kind it begins anew with that one.
     static Lst& theWindow(StatisticsMode mode);
 
+    void Menu_print1(); ///< the lines one by one
+    void Menu_print2(); ///< their sums
+
 private:
+    void print(const QString& reportFile, const QString& title);
     void start(StatisticsMode mode);
 
     StatisticsMode mode_;

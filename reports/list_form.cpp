@@ -1,10 +1,12 @@
 #include "reports/list_form.h"
 
 #include "ledger/Module1.h"
+#include "platform/base/dialogs.h"
 #include "platform/base/number.h"
 #include "platform/base/status.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
+#include "reports/five_places.h"
 
 #include <QShortcut>
 
@@ -21,10 +23,13 @@ QString quantityText(double quantity)
     return noisy ? Format(quantity, u"#0.000") : text;
 }
 
-QString listCellText(ListContent content, const Value& value)
+QString listCellText(const Listing& listing, qsizetype column, const Value& value)
 {
     if (value.isNull())
         return {};
+    const ListContent content = listing.columns[column].content;
+    if (content >= ListContent::Quantity && listing.numbers == NumberStyle::FivePlaces)
+        return fivePlaces(value.number());
     switch (content) {
     case ListContent::Quantity:
         return quantityText(value.number());
@@ -37,32 +42,59 @@ QString listCellText(ListContent content, const Value& value)
     return value.text();
 }
 
-/// The records, and below them, if there are any, their sums.
+/// The texts of records, and below them, if there are any, their sums.
+class ListRows
+{
+public:
+    explicit ListRows(const Listing& listing)
+        : listing_(listing)
+        , sums_(listing.columns.size())
+    {}
+
+    /// @param fields gives the value of a column by its index
+    template <typename Fields>
+    void add(const Fields& fields)
+    {
+        QStringList row;
+        row.reserve(sums_.size());
+        for (qsizetype i = 0; i < sums_.size(); ++i) {
+            const Value& value = fields(i);
+            row += listCellText(listing_, i, value);
+            if (listing_.columns[i].summed && !value.isNull())
+                sums_[i] += value.number();
+        }
+        rows_ += std::move(row);
+    }
+
+    QList<QStringList> withSums()
+    {
+        if (rows_.isEmpty() || listing_.totalCaption.isEmpty())
+            return std::move(rows_);
+        QStringList total;
+        for (qsizetype i = 0; i < sums_.size(); ++i)
+            total += listing_.columns[i].summed ? listCellText(listing_, i, Value(sums_[i])) : QString();
+        total[0] = listing_.totalCaption;
+        rows_ += std::move(total);
+        return std::move(rows_);
+    }
+
+private:
+    const Listing& listing_;
+    QList<double> sums_;
+    QList<QStringList> rows_;
+};
+
 QList<QStringList> readRows(const Listing& listing)
 {
-    Recordset records = gDB.OpenRecordset(listing.statement());
-    QList<QStringList> rows;
-    rows.reserve(records.RecordCount() + 1);
-    QList<double> sums(listing.columns.size());
-    for (; !records.isEOF(); records.MoveNext()) {
-        QStringList row;
-        row.reserve(listing.columns.size());
-        for (qsizetype i = 0; i < listing.columns.size(); ++i) {
-            const Value& value = records.Fields(i);
-            row += listCellText(listing.columns[i].content, value);
-            if (listing.columns[i].summed && !value.isNull())
-                sums[i] += value.number();
-        }
-        rows += row;
+    ListRows rows(listing);
+    if (listing.compute) {
+        for (const QList<Value>& record : listing.compute(listing))
+            rows.add([&](qsizetype i) -> const Value& { return record[i]; });
+        return rows.withSums();
     }
-    if (rows.isEmpty())
-        return rows;
-    QStringList total;
-    for (qsizetype i = 0; i < listing.columns.size(); ++i)
-        total += listing.columns[i].summed ? listCellText(listing.columns[i].content, Value(sums[i])) : QString();
-    total[0] = listing.totalCaption;
-    rows += total;
-    return rows;
+    for (Recordset records = gDB.OpenRecordset(listing.statement()); !records.isEOF(); records.MoveNext())
+        rows.add([&](qsizetype i) -> const Value& { return records.Fields(i); });
+    return rows.withSums();
 }
 
 } // namespace
@@ -104,19 +136,12 @@ QAction* ListForm::addListCommand(QMenu* menu, const QString& name, const QStrin
     return action;
 }
 
-void ListForm::addLaterCommand(QMenu* menu, const QString& name, const QString& caption)
-{
-    QAction* action = addCommand(menu, name, caption, {});
-    action->setEnabled(false);
-    action->setToolTip(u"尚未提供"_s);
-}
-
-void ListForm::addSortMenu(int first, std::initializer_list<QStringView> captions)
+void ListForm::addSortMenu(int first, std::initializer_list<QStringView> captions, const QString& name)
 {
     QMenu* menu = addCommandMenu(u"Menu_Sort"_s, u"&S.排序"_s);
     int index = first;
     for (const QStringView caption : captions) {
-        QAction* item = addListCommand(menu, controlName(u"Menu_S"_s, index), caption.toString(), [this, index] {
+        QAction* item = addListCommand(menu, controlName(name, index), caption.toString(), [this, index] {
             Listing next = listing_;
             next.order = index;
             list(std::move(next));
@@ -126,17 +151,23 @@ void ListForm::addSortMenu(int first, std::initializer_list<QStringView> caption
     }
 }
 
-void ListForm::addPrintMenu()
+void ListForm::addPrintMenu(std::function<void()> ledger, std::function<void()> summary)
 {
     QMenu* menu = addCommandMenu(u"Menu_print"_s, u"&P.打印"_s);
-    menu->setToolTipsVisible(true);
-    addLaterCommand(menu, u"Menu_print1"_s, u"&A.打印流水帐"_s);
-    addLaterCommand(menu, u"Menu_print2"_s, u"&B.打印合计报表"_s);
+    addListCommand(menu, u"Menu_print1"_s, u"&A.打印流水帐"_s, std::move(ledger));
+    addListCommand(menu, u"Menu_print2"_s, u"&B.打印合计报表"_s, std::move(summary));
 }
 
-void ListForm::addReturnCommand()
+void ListForm::addReturnCommand(const QString& name)
 {
-    addCommand(u"Menu_Return"_s, u"&R.返回"_s, [this] { Menu_Return(); });
+    addCommand(name, u"&R.返回"_s, [this] { Menu_Return(); });
+}
+
+void ListForm::addBarcodeCommand()
+{
+    QAction* barcodes = addCommand(u"Menu_T"_s, u"&T.打印条码"_s, {});
+    barcodes->setEnabled(false);
+    setCommandVisible(barcodes, false);
 }
 
 // The list ------------------------------------------------------------------------------------------------------------
@@ -168,10 +199,12 @@ void ListForm::show(Listing&& next, QList<QStringList> rows)
     }
     for (int i = 0; i < GD->Cols(); ++i)
         GD->SetTextMatrix(0, i, listing_.columns[i].caption);
-    count_ = int(qMax<qsizetype>(rows.size() - 1, 0));
+    const bool summed = !listing_.totalCaption.isEmpty();
+    count_ = int(qMax<qsizetype>(rows.size() - (summed ? 1 : 0), 0));
     if (count_ > 0) {
         GD->setRows(std::move(rows));
-        GD->setEmphasized(count_ + 1);
+        if (summed)
+            GD->setEmphasized(count_ + 1);
     } else {
         GD->clearRows();
     }
@@ -218,6 +251,12 @@ void ListForm::sessionChanged()
     showState();
 }
 
+void ListForm::recordsChanged()
+{
+    if (hasRight(listing_.right))
+        refresh();
+}
+
 // Commands ------------------------------------------------------------------------------------------------------------
 
 QList<QueryField> ListForm::queryFields() const
@@ -250,6 +289,13 @@ void ListForm::Menu_Return()
 void ListForm::unloaded()
 {
     LedgerStatus();
+}
+
+bool ListForm::requireRecords(const QString& none) const
+{
+    if (count_ == 0)
+        MsgBox(none);
+    return count_ > 0;
 }
 
 QWidget* ListForm::firstFocus()

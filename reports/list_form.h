@@ -9,6 +9,10 @@ class QLabel;
 
 enum class ListContent { Text, Date, Quantity, Money };
 
+/// How a list writes its numbers. Usual: quantities to three places at most, money by the decimals setting. FivePlaces:
+/// all as they were booked, to five places at most.
+enum class NumberStyle { Usual, FivePlaces };
+
 struct ListColumn
 {
     QString caption;
@@ -24,7 +28,7 @@ struct Listing
 {
     QString caption; ///< of the window
     QString statusName;
-    QString totalCaption;
+    QString totalCaption; ///< of the row of sums; "" for a list without one
     OperatorRight right;
     QList<ListColumn> columns;
     QString from;
@@ -34,6 +38,9 @@ struct Listing
     int stretched = 0;  ///< the column that takes what width is left
     int order = 0;      ///< of `orders`
     int top = 0;        ///< rows at most; 0 for all
+    NumberStyle numbers = NumberStyle::Usual;
+    /// Works the records out, one value a column, in `orders[order]`; the statement is not used then.
+    std::function<QList<QList<Value>>(const Listing&)> compute = {};
 
     QString statement() const;
 };
@@ -49,6 +56,7 @@ public:
     void Menu_query();
     void Menu_Return();
     void sessionChanged() override;
+    void recordsChanged() override;
 
     Grid* GD = nullptr; ///< the records, then the row of sums; an empty list shows one empty row
     QString PubSql;     ///< what the condition builder hands back
@@ -58,15 +66,19 @@ protected:
 
     /// A command that asks for the right of the list first.
     QAction* addListCommand(QMenu* menu, const QString& name, const QString& caption, std::function<void()> run);
-    /// Stands disabled, as its work comes with a later version.
-    void addLaterCommand(QMenu* menu, const QString& name, const QString& caption);
     /// The items "Menu_S(first)" and following; an item's index is that of its key in `Listing::orders`.
-    void addSortMenu(int first, std::initializer_list<QStringView> captions);
+    void addSortMenu(int first, std::initializer_list<QStringView> captions, const QString& name = u"Menu_S"_s);
     /// The two prints that document lists have.
-    void addPrintMenu();
-    void addReturnCommand();
+    void addPrintMenu(std::function<void()> ledger, std::function<void()> summary);
+    void addReturnCommand(const QString& name = u"Menu_Return"_s);
+    /// The item for barcodes, which the system doesn't print: it stands hidden.
+    void addBarcodeCommand();
 
     const Listing& listing() const { return listing_; }
+    /// Records, which are the rows 1 to `count` of `GD`, without the sums: what `gridRows` stages of a list.
+    int count() const { return count_; }
+    /// Whether there is a record to print; tells the operator when there is none.
+    bool requireRecords(const QString& none = u"无数据可打印！"_s) const;
     /// Reads and shows that list.
     /// @throws StoreError; the list before it then stays, and stays what a refresh reads
     void list(Listing next);

@@ -2,6 +2,7 @@
 // and average cost, what is refused and what a failure leaves behind.
 
 #include "documents/document_form.h"
+#include "documents/document_print.h"
 #include "documents/goods_lookup.h"
 #include "documents/line_entry.h"
 #include "documents/new_goods_panel.h"
@@ -10,6 +11,7 @@
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
 #include "platform/widgets/grid.h"
+#include "printed.h"
 #include "scripted_dialogs.h"
 #include "session_fixture.h"
 
@@ -702,6 +704,145 @@ private slots:
         QCOMPARE(form.lines->GdMx->TextMatrix(1, 5), u"15.00"_s);
         QVERIFY(!panel.isVisible());
     }
+
+    // On paper --------------------------------------------------------------------------------------------------------
+
+    void prints_data()
+    {
+        QTest::addColumn<DocumentKind>("kind");
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<QString>("report");
+        QTest::addColumn<QString>("missing");
+        QTest::addColumn<QStringList>("words"); // of scheme two: title, in front of the partner, signatures
+        using enum DocumentKind;
+        QTest::newRow("B1") << B1 << u"Menu_prn"_s << u"prntb10.rpt"_s << u"报表文件prntb10.rpt丢失！"_s
+                            << QStringList{u"货品入库单"_s, u"供货单位："_s,
+                                           u"制单人:王小敏                  审核人:                  经手人:"_s};
+        QTest::newRow("B3") << B3 << u"menu_prn"_s << u"prntb30.rpt"_s << u"报表文件丢失！"_s
+                            << QStringList{u"退  货  单"_s, u"供货单位："_s};
+        QTest::newRow("D1") << D1 << u"Menu_prn"_s << u"prntd10.rpt"_s << u"报表文件丢失！"_s
+                            << QStringList{u"货品出库单"_s, u"出货单位："_s,
+                                           u"制单人：王小敏              审核人：            经手人： "_s};
+        QTest::newRow("D3") << D3 << u"Menu_prn"_s << u"prntd30.rpt"_s << u"报表文件丢失！"_s
+                            << QStringList{u"货品退库单"_s, u"出货单位："_s};
+    }
+
+    void prints()
+    {
+        QFETCH(DocumentKind, kind);
+        QFETCH(QString, item);
+        QFETCH(QString, report);
+        QFETCH(QString, missing);
+        QFETCH(QStringList, words);
+        const QByteArray stored = (item + u"(0)"_s).toLatin1();
+        const QByteArray shown = (item + u"(1)"_s).toLatin1();
+        gCompanyName = u"O'Hara's 五金"_s;
+        gCompanyAddr = u"和平路 1 号"_s;
+        gCompanyTel = u"027-8"_s;
+        DocumentForm& form = open(kind);
+        for (const QByteArray& command : {stored, shown}) {
+            boxes_->expect(u"无数据可打印！"_s);
+            run(form, command);
+        }
+        add(form, {{u"A2"_s, u"7"_s, u"1.25"_s}});
+        QVERIFY(!form.command(u"Menu_print"_s)->isVisible());
+        save(form);
+        add(form, {{u"A1"_s, u"4"_s, u"2.5"_s}, {u"A3"_s, u"0.5"_s, u"4"_s}});
+        form.lines->GdMx->SetTextMatrix(1, 6, u"it's 'urgent'"_s);
+        save(form);
+
+        boxes_->expect(missing); // there are no layouts in this folder
+        run(form, stored);
+        QVERIFY(ledger_->rows(u"select * from Plist"_s).isEmpty());
+        gAppPath = QStringLiteral(LAYOUTS "/");
+        const QString number = traitsOf(kind).prefix + u"0411180002"_s;
+        Printed paper = printed([&] { run(form, stored); });
+        QCOMPARE(paper.file, report);
+        QCOMPARE(paper.selection, u"{%1.F1}='%2'"_s.arg(traitsOf(kind).header, number));
+        QCOMPARE(paper.formulas, (QStringList{u"regname='O'Hara's 五金'"_s, u"regaddr='地址：和平路 1 号'"_s,
+                                              u"regtel='电话：027-8'"_s}));
+        for (const QString& text : {gCompanyName, u"it's 'urgent'"_s, u"单号："_s + number})
+            QVERIFY2(paper.texts.contains(text), qPrintable(text));
+
+        // Scheme two prints what the list points at, also when the detail shows another document.
+        form.TabS->setCurrentIndex(0);
+        form.GD->select(1);
+        form.TabS->setCurrentIndex(1);
+        form.TabS->setCurrentIndex(0);
+        form.GD->select(2);
+        const QString total = u"12.00"_s;
+        const QString partner = traitsOf(kind).partners == u"TA1" ? u"默认货品来源"_s : u"默认货品去向"_s;
+        const QString second = form.GD->TextMatrix(2, 0);
+        paper = printed([&] { run(form, shown); });
+        QCOMPARE(paper.file, u"Pdan.rpt"_s);
+        QCOMPARE(paper.selection, QString());
+        QStringList formulas{u"Cpt='"_s + words[0] + u"'"_s, u"danNo='"_s + second + u"'"_s,
+                             u"rq='2004-11-18'"_s,           u"gys='"_s + words[1] + partner + u"'"_s,
+                             u"regname='O'Hara's 五金'"_s,   u"sumje='%1'"_s.arg(total)};
+        if (words.size() > 2)
+            formulas += u"qianming='"_s + words[2] + u"'"_s;
+        QCOMPARE(second, number);
+        QCOMPARE(paper.formulas, formulas);
+        QCOMPARE(ledger_->rows(u"select F0,F1,F6,F7,F8,F9,V1,V2 from Plist order by F0"_s),
+                 (QStringList{u"00001|A1|4|2.50|10.00|it's 'urgent'|4|2.5"_s, u"00002|A3|0.5|4.00|2.00||0.5|4"_s}));
+        QVERIFY(paper.texts.contains(u"it's 'urgent'"_s));
+
+        // An audited document prints too; without prices scheme two can't.
+        ledger_->run(u"update %1 set F6='李经理'"_s.arg(traitsOf(kind).header));
+        form.listAll(QString());
+        paper = printed([&] { run(form, shown); });
+        QCOMPARE(words.size() > 2, paper.formulas.last().contains(u"李经理"_s));
+        gWithMoney = 0;
+        form.sessionChanged();
+        QVERIFY(!form.command(QString::fromLatin1(shown))->isEnabled());
+        QVERIFY(form.command(QString::fromLatin1(stored))->isEnabled());
+    }
+
+    void printsThatNothingShows()
+    {
+        gAppPath = QStringLiteral(LAYOUTS "/");
+        DocumentForm& inbound = open(DocumentKind::B1);
+        add(inbound, {{u"A1"_s, u"4"_s, {}}});
+        save(inbound);
+        QVERIFY(!inbound.command(u"Menu_prn(2)"_s)->isVisible());
+        Printed paper = printed([&] { inbound.Menu_prn(2); });
+        QCOMPARE(paper.file, u"prntb100.rpt"_s);
+        QCOMPARE(paper.selection, u"{TB1.F1}='RK0411180001'"_s);
+
+        DocumentForm& outbound = open(DocumentKind::D1);
+        add(outbound, {{u"A1"_s, u"4"_s, {}}, {u"A2"_s, u"1.5"_s, {}}});
+        const PrintedHeader header{u"CK1"_s, u"2004-11-18"_s, u"甲"_s, u"小王"_s, u"老李"_s, u"13.5"_s};
+        outbound.lines->GdMx->RemoveItem(3); // where the next line would go
+        paper = printed(
+            [&] { printShown(traitsOf(DocumentKind::D1), header, *outbound.lines->GdMx, CompactForm::TenRows); });
+        QCOMPARE(paper.file, u"Pdan10.rpt"_s);
+        QCOMPARE(paper.formulas.mid(5),
+                 (QStringList{u"sumje='13.50'"_s, u"qianming='制单:小王       审核:老李'"_s, u"sumsl='5.5'"_s}));
+        const QStringList rows = ledger_->rows(u"select F0,F1,F2,F3,F4,F5,F6,F7,F8 from Plist order by F0"_s);
+        QCOMPARE(rows.size(), 10);
+        QCOMPARE(rows[1], u"00002|A2|平垫圈|8|片|1.5|1.00|1.50|"_s);
+        QCOMPARE(rows[9], u"00010| | | | | | | | "_s);
+    }
+
+    void printsAStockTake()
+    {
+        DocumentForm& form = open(DocumentKind::C2);
+        boxes_->expect(u"无数据可打印！"_s);
+        run(form, "Menu_print");
+        add(form, {{u"A1"_s, u"7"_s, {}}});
+        form.Txt[2]->setText(u"老王"_s);
+        save(form);
+        boxes_->expect(u"报表文件prntc2.rpt丢失！"_s);
+        run(form, "Menu_print");
+        gAppPath = QStringLiteral(LAYOUTS "/");
+        const Printed paper = printed([&] { run(form, "Menu_print"); });
+        QCOMPARE(paper.file, u"prnTC2.rpt"_s);
+        QCOMPARE(paper.selection, u"{TC2.F1}='PD0411180001'"_s);
+        QVERIFY(paper.formulas.isEmpty());
+        QVERIFY(paper.texts.contains(u"盘点人：老王"_s));
+    }
+
+    // The form --------------------------------------------------------------------------------------------------------
 
     void theFormStaysWhileItIsEntered()
     {

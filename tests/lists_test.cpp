@@ -9,6 +9,7 @@
 #include "platform/base/status.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
+#include "printed.h"
 #include "reports/C1.h"
 #include "reports/C3.h"
 #include "reports/Lst.h"
@@ -411,7 +412,6 @@ private slots:
         QVERIFY(!form.GD->isVisible());
         Lst::theWindow(StatisticsMode::B4);
         QVERIFY(form.GD->isVisible());
-        QVERIFY(!form.command(u"Menu_print1"_s)->isEnabled());
     }
 
     void aFailureKeepsTheList()
@@ -468,6 +468,92 @@ private slots:
         QCOMPARE(searchFields(form).join(u' '),
                  u"盘点单号=TC2.F1/0 盘点日期=TC2.F2/2 盘点人=TC2.F3/0 货品编码=TC21.F1/0 "
                  "盈亏数=(TC21.F6-TC21.F5)/1 核算价格=TC21.F7/1 盈亏额=(TC21.F6-TC21.F5)*TC21.F7/1"_s);
+    }
+
+    // On paper --------------------------------------------------------------------------------------------------------
+
+    void prints_data()
+    {
+        QTest::addColumn<QString>("list"); // a form, or the statistics of a kind
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("missing"); // the file that is told of; "" where none is asked for
+        QTest::addColumn<QString>("report");
+        QTest::addColumn<QStringList>("formulas");
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QStringList>("staged");
+        const auto row = [](const char* name, const QString& list, const QString& command, const QString& missing,
+                            const QString& report, const QString& title, const QString& table,
+                            const QStringList& staged) {
+            QTest::newRow(name) << list << command << missing << report
+                                << (title.isEmpty() ? QStringList() : QStringList{u"Cpt='%1'"_s.arg(title)}) << table
+                                << staged;
+        };
+        const QString eight = u"F0,F1,F2,F3,F4,F5,F6,F7,F8 from "_s;
+        const QString all = u"F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,V1,V2 from Plist order by F0"_s;
+        const QString line = u"|2004-11-18|001|%1|附|A|名A|it's|001|所有货品|个|10|2.50|25.00|急'|10|25"_s;
+        const QString gone = u"|2004-11-18|001|%1|附|B||||||0.5|4.00|2.00||0.5|2"_s;
+        const QString supplier = u"默认货品来源"_s;
+        const QString consignee = u"默认货品去向"_s;
+        row("stock", u"C1"_s, u"Menu_print"_s, u"prntc1"_s, u"Prntc1.rpt"_s, {}, eight + u"PRTc1"_s,
+            {u"1|A|名A|所有货品|个|it's|10|3|30"_s});
+        row("stock at cost", u"C1 cost"_s, u"Menu_print"_s, u"prntc1"_s, u"Prntc1.rpt"_s, {}, eight + u"PRTc1"_s,
+            {u"1|A|名A|所有货品|个|it's|10|2|20"_s});
+        row("stock, cost hidden", u"C1 hidden"_s, u"Menu_print"_s, u"prntc1"_s, u"Prntc1.rpt"_s, {}, eight + u"PRTc1"_s,
+            {u"1|A|名A|所有货品|个|it's|10|0|0"_s});
+        row("inbound lines", u"B2"_s, u"Menu_print1"_s, {}, u"Plist.rpt"_s, u"入库流水帐"_s, all,
+            {u"00001|N"_s + line.arg(supplier), u"00002|N"_s + gone.arg(supplier)});
+        row("outbound sums", u"D2"_s, u"Menu_print2"_s, {}, u"Psum.rpt"_s, u"出库统计表"_s, all,
+            {u"00001|N"_s + line.arg(consignee), u"00002|N"_s + gone.arg(consignee)});
+        row("stock-take lines", u"C3"_s, u"Menu_print1"_s, u"prntc3"_s, u"Prntlst.rpt"_s, u"货品盘点流水帐"_s,
+            eight + u"PRTB2"_s, {u"1|N|2004-11-18|001|A|名A/it's/个|-2.5|4|-10"_s, u"1|N|2004-11-18|001|B|//|0|4|0"_s});
+        row("stock-take sums", u"C3"_s, u"Menu_print2"_s, u"prntc3"_s, u"Prntc3.rpt"_s, u"货品盘点报表"_s,
+            eight + u"PRTB2"_s, {u"1|N|A|名A|it's|个|-2.5|4|-10"_s, u"1|N|B||||0|4|0"_s});
+    }
+
+    void prints()
+    {
+        QFETCH(QString, list);
+        QFETCH(QString, command);
+        QFETCH(QString, missing);
+        QFETCH(QString, table);
+        const auto open = [&list]() -> ListForm& {
+            if (list.startsWith(u"C1"))
+                return C1::theWindow();
+            if (list == u"C3")
+                return theForm<C3>();
+            return Lst::theWindow(list == u"B2" ? StatisticsMode::B2 : StatisticsMode::D2);
+        };
+        ListForm& empty = open();
+        empty.Show();
+        boxes_->expect(u"无数据可打印！"_s);
+        run(empty, command);
+        empty.Unload();
+
+        goods(u"A"_s, u"001"_s, u"2,3,10,11,0"_s);
+        ledger_->run(u"update TA4 set F5='it''s'"_s);
+        for (const QString& header : {u"TB1"_s, u"TD1"_s}) {
+            document(header, u"N"_s, u"2004-11-18"_s, u"'甲'"_s, u"'A',10,2.5;'B',0.5,4"_s);
+            ledger_->run(u"update "_s + header + u"1 set F8='急''' where F1='A'"_s);
+        }
+        document(u"TC2"_s, u"N"_s, u"2004-11-18"_s, u"'甲'"_s, u"'A',10,7.5,4;'B',5,5,4"_s);
+        ListForm& form = open();
+        form.Show();
+        if (list == u"C1 cost")
+            run(form, u"Menu_Price(0)"_s);
+        if (list == u"C1 hidden")
+            become({OperatorRight::Stock});
+        if (!missing.isEmpty()) {
+            boxes_->expect(u"报表文件%1.rpt丢失！"_s.arg(missing));
+            run(form, command);
+        }
+        gAppPath = QStringLiteral(LAYOUTS "/");
+        const Printed paper = printed([&] { run(form, command); });
+        QTEST(paper.file, "report");
+        QTEST(paper.formulas, "formulas");
+        QStringList staged = ledger_->rows(u"select "_s + table);
+        staged.replaceInStrings(u"Null"_s, QString());
+        QTEST(staged, "staged");
+        QVERIFY(paper.texts.join(u'\n').contains(u"it's"));
     }
 
     void refreshKeepsTheRow()

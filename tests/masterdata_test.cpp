@@ -10,6 +10,7 @@
 #include "modal_forms.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/picture.h"
+#include "printed.h"
 #include "scripted_dialogs.h"
 #include "session_fixture.h"
 
@@ -456,6 +457,62 @@ private slots:
         gWithMoney = 0;
         login(u"102"_s, {OperatorRight::Base, OperatorRight::Cost});
         QVERIFY(!form.GD->columnVisible(5) && !form.Txt[5]->isVisible() && !form.Txt[7]->isVisible());
+    }
+
+    void prints_data()
+    {
+        QTest::addColumn<QString>("report");
+        QTest::addColumn<QString>("missing");
+        QTest::addColumn<QStringList>("formulas");
+        QTest::addColumn<QString>("staged"); // the last row
+        const QString partner = u"002|O'Hara|路'1|电|传|信|备"_s;
+        QTest::newRow("A1") << u"Prnta12.rpt"_s << u"prnta12"_s << QStringList{u"Cpt='供货单位列表'"_s} << partner;
+        QTest::newRow("A2") << u"Prnta12.rpt"_s << u"prnta12"_s << QStringList{u"Cpt='出货单位列表'"_s} << partner;
+        QTest::newRow("A3") << u"PrnTA3.rpt"_s << u"prnTA32"_s << QStringList{u"Cpt='货品类别编码表'"_s}
+                            << u"002|O'Hara|Null|Null|Null|Null|Null"_s;
+        const QStringList letterhead{u"Cpt='货品编码资料'"_s, u"regname='O'Hara's'"_s, u"regaddr='地址：路'"_s,
+                                     u"regtel='电话：8'"_s};
+        QTest::newRow("A4") << u"PrnTa4.rpt"_s << u"prnTa4"_s << letterhead << u"A2|螺栓|所有货品|个|M8|2.125|it's"_s;
+        QTest::newRow("A4, cost hidden") << u"PrnTa4.rpt"_s << u"prnTa4"_s << letterhead
+                                         << u"A2|螺栓|所有货品|个|M8|9|it's"_s;
+    }
+
+    void prints()
+    {
+        for (const QString& table : {u"TA1"_s, u"TA2"_s})
+            ledger_->run(
+                u"insert into %1 (F1,F2,F3,F4,F5,F6,F7) values ('002','O''Hara','路''1','电','传','信','备')"_s.arg(
+                    table));
+        ledger_->run(u"insert into TA3 (F1,F2) values ('002','O''Hara')"_s);
+        ledger_->run(u"insert into PrTA1 (F1) values ('of the print before')"_s);
+        gCompanyName = u"O'Hara's"_s;
+        gCompanyAddr = u"路"_s;
+        gCompanyTel = u"8"_s;
+        const QString row = QString::fromUtf8(QTest::currentDataTag());
+        const bool goodsList = row.startsWith(u"A4");
+        RecordForm& form =
+            goodsList ? static_cast<RecordForm&>(open<A4>()) : open(CodeTableKind(row.right(1).toInt() - 1));
+        if (goodsList) {
+            boxes_->expect(u"没有数据可打印！"_s);
+            run(form, "Menu_print");
+            for (const QString& code : {u"'A1'"_s, u"'A2'"_s})
+                ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F7,F71) values (%1,'螺栓','001','个','M8','it''s',"
+                             "2.125,9)"_s.arg(code));
+            form.recordsChanged();
+        }
+        if (row.contains(u"hidden"))
+            login(u"102"_s, {OperatorRight::Base});
+        QFETCH(QString, missing);
+        boxes_->expect(u"报表文件%1.rpt丢失！"_s.arg(missing));
+        run(form, "Menu_print");
+        gAppPath = QStringLiteral(LAYOUTS "/");
+        const Printed paper = printed([&] { run(form, "Menu_print"); });
+        QTEST(paper.file, "report");
+        QTEST(paper.formulas, "formulas");
+        const QStringList staged = ledger_->rows(u"select F1,F2,F3,F4,F5,F6,F7 from PrTA1"_s);
+        QCOMPARE(staged.size(), 2);
+        QTEST(staged[1], "staged");
+        QVERIFY(paper.texts.join(u'\n').contains(goodsList ? u"it's" : u"O'Hara"));
     }
 
     void goodsOfAVanishedCategoryAreFoundBySearch()
