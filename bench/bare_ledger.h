@@ -36,7 +36,7 @@ public:
         check(applyCipher(database_, passwordOf(ledgerConnect.toString())));
         dialect::registerFunctions(database_);
         for (const char* pragma : {"cache_size = -64000", "cache_spill = off", "secure_delete = off",
-                                   "synchronous = full", "journal_mode = delete"})
+                                   "synchronous = extra", "journal_mode = delete"})
             run(QByteArray("pragma ") + pragma);
     }
     ~BareLedger()

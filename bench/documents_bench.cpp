@@ -12,8 +12,8 @@
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
-#include "tests/faulty_disk.h"
 #include "tests/memory_desktop.h"
+#include "tools/faulty_disk.h"
 
 #include <QApplication>
 #include <QLineEdit>
