@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 namespace {
 
@@ -41,6 +42,13 @@ struct Switch
 
 constexpr auto updatedSwitches = std::to_array<Switch>({{0, &gNoOverIssue}, {1, &gNoPriceEdit}, {2, &gNoAvgUpdate}});
 constexpr auto alarmAndStockSwitches = std::to_array<Switch>({{6, &gLowAlarm}, {7, &gHighAlarm}, {8, &gStockEdit001}});
+
+/// All that a save may change.
+auto sessionSettings()
+{
+    return std::tie(gNoOverIssue, gNoPriceEdit, gNoAvgUpdate, gNoNegativeQty, gSalePriceFactor, gWithMoney, gLowAlarm,
+                    gHighAlarm, gStockEdit001, gOpeningEdit001, gPriceDecimals, gPriceFormat);
+}
 
 int valueOf(const QCheckBox* box)
 {
@@ -234,11 +242,16 @@ void SysFuncSet::decimalsTyped()
 
 void SysFuncSet::save()
 {
+    const auto before = std::apply([](const auto&... each) { return std::tuple(each...); }, sessionSettings());
     bool saved = true;
     try {
         writeAll();
-    } catch (const StoreError&) { // an old ledger lacks rows or columns; what was written so far stays
+    } catch (const StoreError& error) { // an old ledger lacks rows or columns; what was written so far stays
         saved = false;
+        // A failing disk undoes it all, and the session must not go on with settings that the ledger doesn't have. They
+        // can't be read anew: such a disk may refuse that too.
+        if (!error.details().aftermath.isEmpty())
+            sessionSettings() = before;
     }
     if (saved)
         MsgBox(u"您的设置已生效！"_s, QString());
