@@ -7,6 +7,8 @@
 #include "platform/base/clock.h"
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
+#include "platform/base/files.h"
+#include "platform/base/lock_file.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/style.h"
 #include "shell/BGForm.h"
@@ -102,6 +104,7 @@ void Login::logIn()
         if (!proven(account))
             return;
         completeLogin(account);
+        warnOfWeakLocks();
     } catch (const StoreError&) {
         logOut(); // half a login is none
         throw;
@@ -133,6 +136,21 @@ void Login::completeLogin(const QString& account)
     ApplyRights();
     defaultBigCaption_ = gCompanyName;
     dressBackground();
+}
+
+/// Once for each folder: nothing else would tell before two operators have overwritten each other's figures.
+void Login::warnOfWeakLocks()
+{
+    static QString folderTried;
+    const QString folder = folderOf(gLedgerFile);
+    if (folder == folderTried)
+        return;
+    folderTried = folder;
+    if (!LockFile::worksIn(folder))
+        MsgBox(u"帐本所在的文件夹“"_s + folder +
+                   u"”不支持文件锁定，几个人同时使用这个帐本时数据可能会丢失！\n\n"
+                   "请只由一个人使用，或者把帐本移到支持文件锁定的共享文件夹中。"_s,
+               u"警告"_s, BoxIcon::Exclamation);
 }
 
 void Login::dressBackground()

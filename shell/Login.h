@@ -35,6 +35,7 @@ private:
     void refuse(const QString& text, QLineEdit* where);
     bool proven(const QString& account);
     void completeLogin(const QString& account);
+    void warnOfWeakLocks();
     void dressBackground();
 
     QString helpText_;

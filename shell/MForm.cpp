@@ -1,14 +1,22 @@
 #include "shell/MForm.h"
 
 #include "admin/AboutUS.h"
+#include "admin/CheckUp.h"
 #include "admin/S1.h"
 #include "admin/S2.h"
+#include "admin/S3.h"
+#include "admin/S302.h"
+#include "admin/S303.h"
+#include "admin/S32.h"
 #include "admin/SysFuncSet.h"
+#include "admin/auto_backup.h"
 #include "admin/frmTip.h"
 #include "admin/maker.h"
+#include "admin/sysDBbak.h"
 #include "documents/document_form.h"
 #include "ledger/Module1.h"
 #include "masterdata/A4.h"
+#include "masterdata/FromExcel.h"
 #include "masterdata/code_table_form.h"
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
@@ -18,6 +26,9 @@
 #include "platform/widgets/status_panels.h"
 #include "platform/widgets/style.h"
 #include "reports/C1.h"
+#include "reports/C15.h"
+#include "reports/C18.h"
+#include "reports/C181.h"
 #include "reports/C3.h"
 #include "reports/Lst.h"
 #include "shell/BGForm.h"
@@ -29,9 +40,11 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QPointer>
 #include <QStatusBar>
+#include <QTimer>
 
 #include <optional>
 
@@ -54,7 +67,7 @@ struct MenuRow
 void startCalculator(bool tellWhenMissing)
 {
     const QString calculator = gAppPath + u"jisuan.exe"_s;
-    if (fileExists(calculator))
+    if (!programPath(calculator).isEmpty())
         Shell(calculator);
     else if (tellWhenMissing)
         MsgBox(u"没找到文件 jisuan.exe ！"_s);
@@ -98,11 +111,29 @@ void openPersonalSettings()
     (new S2(*MForm::get().background()))->ShowModal(); // the form goes by itself when it is unloaded
 }
 
+void showSessions()
+{
+    if (gOperId.isEmpty())
+        return MsgBox(u"请先登录系统！"_s);
+    MForm::get().showSessions();
+}
+
 void openFunctionSettings()
 {
     if (!isTopAdministrator())
         return MsgBox(u"对不起，此功能仅系统最高权限管理员“001”可以使用！您无此权限！"_s);
     theForm<SysFuncSet>().ShowModal();
+}
+
+/// The operators of the ledger may be others afterwards.
+void openRestore()
+{
+    auto& form = theForm<S32>();
+    form.ShowModal();
+    if (!form.restored())
+        return;
+    logOut();
+    theForm<Login>().ShowModal();
 }
 
 void showService(QStringView line)
@@ -126,7 +157,7 @@ const MenuRow menuRows[] = {
     {"Menu_A3",       "Menu_A",   u"&3.货品类别资料",        command,   anyone, &openCodeTable<CodeTableKind::A3>},
     {"Menu_A4",       "Menu_A",   u"&4.货品编码资料",        command,   anyone, &openForm<A4>},
     {"menu_Aline",    "Menu_A",   u"",                       separator, anyone},
-    {"Menu_A5",       "Menu_A",   u"&5.从Excell导入货品资料", command,  anyone},
+    {"Menu_A5",       "Menu_A",   u"&5.从Excell导入货品资料", command,  anyone, &openForm<FromExcel>},
     {"Menu_B",        "",         u"&B.入库管理",            menu,      OperatorRight::In},
     {"Menu_B1",       "Menu_B",   u"&1.货品入库单",          command,   anyone, &openDocument<DocumentKind::B1>},
     {"Menu_B2",       "Menu_B",   u"&2.入库单统计",          command,   anyone, &openStatistics<StatisticsMode::B2>},
@@ -135,9 +166,9 @@ const MenuRow menuRows[] = {
     {"Menu_B4",       "Menu_B",   u"&4.退货单统计",          command,   anyone, &openStatistics<StatisticsMode::B4>},
     {"Menu_C",        "",         u"&C.库存管理",            menu,      OperatorRight::Stock},
     {"Menu_C1",       "Menu_C",   u"&1.仓库存货统计",        command,   anyone, +[] { C1::theWindow().Show(); }},
-    {"Menu_C15",      "Menu_C",   u"&2.货品进出流水帐",      hidden,    anyone},
-    {"Menu_C18(0)",   "Menu_C",   u"&3.货品进出存报表(一)",  hidden,    anyone},
-    {"Menu_C18(1)",   "Menu_C",   u"&4.货品进出存报表(二)",  hidden,    OperatorRight::Cost},
+    {"Menu_C15",      "Menu_C",   u"&2.货品进出流水帐",      hidden,    anyone, &openForm<C15>},
+    {"Menu_C18(0)",   "Menu_C",   u"&3.货品进出存报表(一)",  hidden,    anyone, &openForm<C18>},
+    {"Menu_C18(1)",   "Menu_C",   u"&4.货品进出存报表(二)",  hidden,    OperatorRight::Cost, &openForm<C181>},
     {"Menu_C19",      "Menu_C",   u"&5.库存年度结转",        hidden,    anyone},
     {"cl",            "Menu_C",   u"",                       separator, anyone},
     {"Menu_C2",       "Menu_C",   u"&2.库存货品盘点",        command,   anyone, &openDocument<DocumentKind::C2>},
@@ -149,9 +180,9 @@ const MenuRow menuRows[] = {
     {"Menu_D3",       "Menu_D",   u"&3.货品退库单",          command,   anyone, &openDocument<DocumentKind::D3>},
     {"Menu_D4",       "Menu_D",   u"&4.退库单统计",          command,   anyone, &openStatistics<StatisticsMode::D4>},
     {"Menu_E",        "",         u"&E.综合报表",            menu,      OperatorRight::Cost},
-    {"Menu_E1",       "Menu_E",   u"&1.货品进出流水帐",      command,   anyone},
-    {"Menu_E2",       "Menu_E",   u"&2.货品进出存数量报表",  command,   anyone},
-    {"Menu_E3",       "Menu_E",   u"&3.货品进销存综合报表",  command,   anyone},
+    {"Menu_E1",       "Menu_E",   u"&1.货品进出流水帐",      command,   anyone, &openForm<C15>},
+    {"Menu_E2",       "Menu_E",   u"&2.货品进出存数量报表",  command,   anyone, &openForm<C18>},
+    {"Menu_E3",       "Menu_E",   u"&3.货品进销存综合报表",  command,   anyone, &openForm<C181>},
     {"menu_S",        "",         u"&S.系统管理",            menu,      anyone},
     {"Menu_S1",       "menu_S",   u"&1.操作员权限分配",      command,   OperatorRight::Admin, &openForm<S1>},
     {"Menu_S2",       "menu_S",   u"&2.操作员个人设置",      command,   anyone, &openPersonalSettings},
@@ -160,18 +191,20 @@ const MenuRow menuRows[] = {
     {"Menu_S2502",    "Menu_S25", u"系统功能设置",           command,   anyone, &openFunctionSettings},
     {"sl",            "menu_S",   u"",                       separator, anyone},
     {"Menu_S26",      "menu_S",   u"&4.数据备份与恢复",      menu,      anyone},
-    {"Menu_zbbf",     "Menu_S26", u"&B.帐本备份",            command,   anyone},
-    {"Menu_zbhf",     "Menu_S26", u"&R.帐本恢复",            command,   OperatorRight::Admin},
+    {"Menu_zbbf",     "Menu_S26", u"&B.帐本备份",            command,   anyone, &openModal<sysDBbak>},
+    {"Menu_zbhf",     "Menu_S26", u"&R.帐本恢复",            command,   OperatorRight::Admin, &openRestore},
     {"Menu_S3",       "menu_S",   u"&5.帐本数据清除",        menu,      OperatorRight::Admin},
     {"MS300",         "Menu_S3",  u"数据备份与恢复",         hidden,    anyone},
-    {"MS302",         "Menu_S3",  u"清除指定基础数据",       command,   anyone},
-    {"MS303",         "Menu_S3",  u"清除历史单据",           command,   anyone},
-    {"MS3",           "Menu_S3",  u"帐本数据初始化",         command,   anyone},
+    {"MS302",         "Menu_S3",  u"清除指定基础数据",       command,   anyone, &openModal<S302>},
+    {"MS303",         "Menu_S3",  u"清除历史单据",           command,   anyone, &openModal<S303>},
+    {"MS3",           "Menu_S3",  u"帐本数据初始化",         command,   anyone, &openModal<S3>},
     {"dddds",         "menu_S",   u"",                       separator, anyone},
     {"Relogin",       "menu_S",   u"&7.更换登录用户",        command,   anyone, &openModal<Login>},
     {"Quit",          "menu_S",   u"&8.退出本系统",          command,   anyone, +[] { MForm::get().close(); }},
+    {"Menu_Who",      "menu_S",   u"&9.谁在使用帐本",        command,   anyone, &showSessions},
+    {"Menu_check",    "menu_S",   u"&0.帐本体检",            command,   OperatorRight::Admin, &openForm<CheckUp>},
     {"H",             "",         u"&H.使用说明",            menu,      anyone},
-    {"Menu_help",     "H",        u"&1.软件使用说明书",      command,   anyone},
+    {"Menu_help",     "H",        u"&1.软件使用说明书",      command,   anyone, +[] { openManual(); }},
     {"Menu_frmtip",   "H",        u"&2.[恒仓宁]知识点滴",    command,   anyone, &openModal<frmTip>},
     {"ab",            "H",        u"&3.关于本软件",          command,   anyone, &openModal<AboutUS>},
     {"Menu_200491",   "H",        u"",                       separator, anyone},
@@ -234,6 +267,10 @@ MForm::MForm()
     panels_->setToolTip(OperatorLabelPanel, u"更换登录用户"_s);
     panels_->setToolTip(OperatorPanel, u"操作员个人设置"_s);
     LedgerStatus();
+    setBeforeEnd([this] { presence_.remove(); });
+    auto* touch = new QTimer(this);
+    connect(touch, &QTimer::timeout, this, [this] { presence_.touch(); });
+    touch->start(std::chrono::seconds(PresenceMark::secondsBetweenTouches));
     Form::shareLetters(menuBar());
     applyGates();
     resize(1366, 768);
@@ -241,6 +278,7 @@ MForm::MForm()
 
 MForm::~MForm()
 {
+    setBeforeEnd({});
     setStatusHost({});
     Form::setArea(nullptr);
     disconnect(area_, nullptr, this, nullptr); // it still tells of activations while its children go
@@ -299,6 +337,19 @@ void MForm::setCaption(const QString& caption)
 void MForm::setOperator(const QString& name)
 {
     panels_->setText(OperatorPanel, name);
+    if (name.isEmpty())
+        presence_.remove();
+    else
+        presence_.place(gLedgerFile, name);
+}
+
+void MForm::showSessions() const
+{
+    QString text = u"正在使用帐本“"_s + gLedgerName + u"”的操作员：\n"_s;
+    for (const PresentSession& session : presence_.sessions())
+        text += u"\n"_s + session.operatorName + u"，电脑 "_s + session.host + u"，"_s + session.since + u" 登录"_s +
+                (session.ours ? u"（本窗口）"_s : QString());
+    MsgBox(text + u"\n\n电脑断电或死机的操作员，几分钟后不再列出。"_s);
 }
 
 void MForm::setLedgerTip(const QString& tip)
@@ -363,6 +414,9 @@ bool MForm::mayEnd()
 
 void MForm::endOrderly()
 {
+    setEnabled(false); // what was clicked meanwhile would find no ledger
+    AutoBackup();
+    setEnabled(true);
     const QString application = u"Vemaroware"_s;
     const QString section = u"CangKu"_s;
     const QString program = gAppPath + programFileName();
@@ -381,6 +435,15 @@ void MForm::closeEvent(QCloseEvent* event)
         if (mayEnd())
             endOrderly();
     });
+}
+
+/// A form in front takes F1 itself; here is who has none.
+void MForm::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F1 && event->modifiers() == Qt::NoModifier)
+        runCommand([] { openManual(); });
+    else
+        QMainWindow::keyPressEvent(event);
 }
 
 void MForm::resizeEvent(QResizeEvent* event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ledger/presence.h"
 #include "platform/base/text.h"
 
 #include <QHash>
@@ -22,18 +23,22 @@ public:
 
     void setCaption(const QString& caption);
     QString Caption() const { return caption_; }
-    void setOperator(const QString& name); ///< panel 3
+    /// Panel 3, and the mark by which other sessions of the ledger see who is here.
+    void setOperator(const QString& name);
     void setLedgerTip(const QString& tip); ///< tool tip of panel 4
     /// Enables and disables the gated menus by the session's rights.
     void applyGates();
     /// The ledger change, from the menu and from panel 4.
     void changeLedger();
+    /// Tells who has the ledger open.
+    void showSessions() const;
 
     BGForm* background() { return background_; }
     QAction* menuItem(const QString& name) const { return items_.value(name); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -45,6 +50,7 @@ private:
     void endOrderly();
 
     QString caption_;
+    PresenceMark presence_;
     QMdiArea* area_ = nullptr;
     BGForm* background_ = nullptr;
     StatusPanels* panels_ = nullptr;

@@ -146,6 +146,7 @@ QString ledgerOf(const QString& commandLine)
 void runEntry(const QString& commandLine)
 {
     resetSession();
+    Form::setHelp(openManual);
     gLedgerFile = ledgerOf(commandLine);
     if (!gLedgerFile.isEmpty())
         openNamedLedger();
@@ -170,4 +171,9 @@ void RegisterFileType()
     registerClass(kind + u"\\DefaultIcon"_s, QString(), gAppPath + u"zb.ico"_s);
     registerClass(u".hcn"_s, QString(), kind);
     registerClass(kind, u"shell\\open\\command"_s, gAppPath + programFileName() + u" %1"_s);
+}
+
+void openManual(const QString& form)
+{
+    Shell(u"hh.exe "_s + gAppPath + u"使用说明.chm"_s + (form.isEmpty() ? QString() : u"::/%1.htm"_s.arg(form)));
 }

@@ -20,3 +20,6 @@ void runEntry(const QString& commandLine);
 
 /// Tells the desktop that ledger files belong to this program; done at each orderly exit, never checked.
 void RegisterFileType();
+
+/// The manual: its first page, or the chapter of a form.
+void openManual(const QString& form = {});

@@ -33,6 +33,14 @@ public:
     void expect(const QString& text, Answer answer) { expected_.push_back({Kind::Question, text, {}, answer}); }
     /// A box whose text begins so; what follows may be the store's words, which `lastBox` holds.
     void expectStart(const QString& text) { expected_.push_back({Kind::Message, text, {}, Answer::Ok, true}); }
+    void expectStart(const QString& text, Answer answer)
+    {
+        expected_.push_back({Kind::Question, text, {}, answer, true});
+    }
+    void expectQuestionStart(const QString& text, Answer answer)
+    {
+        expected_.push_back({Kind::Question, text, {}, answer, true});
+    }
     /// The box that tells a failure which nothing else caught; the text may be a part of it.
     void expectError(const QString& part) { expected_.push_back({Kind::Error, part, {}, Answer::Ok}); }
     /// An input box with that prompt; no answer cancels it.
@@ -44,6 +52,11 @@ public:
     void expectFile(const QString& title, std::optional<QString> path)
     {
         expected_.push_back({Kind::File, title, std::move(path), Answer::Ok});
+    }
+    /// The print dialog with that title; no job cancels it.
+    void expectPrint(const QString& title, std::optional<PrintJob> job)
+    {
+        expected_.push_back({Kind::Print, title, {}, Answer::Ok, false, std::move(job)});
     }
 
     /// All that was expected came, and nothing else did.
@@ -57,14 +70,15 @@ public:
         return lines.join(u'\n');
     }
 
-    /// The box that came last, and the requests of the last input box and file dialog.
+    /// The box that came last, and the requests of the last input box, file and print dialog.
     Box lastBox;
     InputRequest lastInput;
     FileRequest lastFile;
+    PrintRequest lastPrint;
     int turns = 0; ///< of the message loop that the commands asked for
 
 private:
-    enum class Kind { Message, Question, Error, Input, File };
+    enum class Kind { Message, Question, Error, Input, File, Print };
     struct Expectation
     {
         Kind kind;
@@ -72,6 +86,7 @@ private:
         std::optional<QString> answer;
         Answer button;
         bool startOnly = false;
+        std::optional<PrintJob> job = {};
     };
 
     class Host : public DialogHost
@@ -103,6 +118,12 @@ private:
             return taken ? taken->answer : std::nullopt;
         }
         void doEvents() override { ++script_.turns; }
+        std::optional<PrintJob> print(const PrintRequest& request) override
+        {
+            script_.lastPrint = request;
+            const auto taken = script_.take(Kind::Print, request.title);
+            return taken ? taken->job : std::nullopt;
+        }
 
     private:
         ScriptedDialogs& script_;
@@ -135,8 +156,8 @@ private:
 
     static QString describe(const Expectation& box)
     {
-        static const QStringList names = {u"the box"_s, u"the question"_s, u"the error box"_s, u"the input box"_s,
-                                          u"the file dialog"_s};
+        static const QStringList names = {u"the box"_s,       u"the question"_s,    u"the error box"_s,
+                                          u"the input box"_s, u"the file dialog"_s, u"the print dialog"_s};
         return u"%1 “%2”"_s.arg(names[int(box.kind)], box.text);
     }
 

@@ -143,6 +143,10 @@ inline constexpr const char16_t* systemStatements[] = {
     u"select F1 from TB11 where F1='A1'",
     u"delete from TA4 WHERE F1='A8'",
     // Goods from a workbook
+    u"select F1,F2 from TA3",
+    u"select F1,F2,F3,F4,F5,F6,F7,F71,F8,V1,V2,V3,V4 from TA4 where F1='a1'",
+    u"update TA4 set F1='A1',F2='螺栓',F3='001',F4=' ',F6='  宁波',F7=2.5,F8=100,V3=100,V4=2.5 where F1='a1'",
+    u"insert into TA4 (F1,F3,F4,F5,F7,F71,F8,V3,V4) values ('A1','001',' ',' ',0,0,0,0,0)",
     u"select top 1 * from TA3 ",
     u"select * from TA4 where F1='A1'",
     u"select F1 from TA3 where F2='五金'",
@@ -240,11 +244,18 @@ inline constexpr const char16_t* systemStatements[] = {
     u"INSERT INTO TC15 (F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F1 4,F15,F16,F17,F18) values "
     u"('RK0411180001','2004-11-18','a','b','c','A1','d','e','f',2.75,2,5.5,0,0,12,33,'','00-01-01')",
     u"select F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,F16,F17 FROM TC15  order by F2",
+    u"select F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,F16,F17 from TC15 order by F14 desc",
     u"select F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,F16,F17 FROM TC15  order by F18",
     u"delete from Plist ",
     u"INSERT INTO Plist (F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,F14,F15,M1,M2,V1,V2,V3,V4,V5,V6,V7) values "
     u"('0000001','a','b','c','d','e','f','g','h','i','j','k','l','m','n','o','p','q',1,2,3,4,5,6,7.5)",
     // Quantity period report
+    u"select count(*) from TB1 where datediff('d','2004-11-1',TB1.F2 ) >= 0  And datediff('d','2004-11-18',TB1.F2 ) "
+    u"<= 0  ",
+    u" SELECT TB11.F1,SUM(TB11.F6) AS SSL FROM TB11 LEFT JOIN TB1 ON TB1.F1=TB11.F0 WHERE TB1.F6 IS NOT NULL AND   "
+    u"datediff('d','2004-11-1',TB1.F2 ) >= 0  And datediff('d','2004-11-18',TB1.F2 ) <= 0   GROUP BY TB11.F1",
+    u" SELECT TB11.F1,SUM(TB11.F6) AS SSL FROM TB11 LEFT JOIN TB1 ON TB1.F1=TB11.F0 WHERE TB1.F6 IS NOT NULL AND   0 "
+    u"<= datediff('d','2004-11-1',TB1.F2 )  And 0 >= datediff('d','2004-11-18',TB1.F2 )  GROUP BY TB11.F1",
     u"select F1,(F2+'/'+F5) as pm,F7,F4,F8 from TA4 where  F3 is not null  and F1 like 'A*'  Order by F1",
     u"select F1,(F2+'/'+F5) as pm,F71,F4,F8 from TA4 where  F3 is not null  and F1 like 'A*'  Order by F8 desc",
     u"select F1,(F2+'/'+F5) as pm,F7,F4,F8 from TA4 where  F3='001'  Order by F5",
@@ -275,7 +286,21 @@ inline constexpr const char16_t* systemStatements[] = {
     u"select sortNo,Bdate,Edate from jxc  where SortNo<>0 group by SortNo,Bdate,Edate order by SortNo desc",
     u"delete from jxc where SortNo=0",
     u"select F1,(F2+'/'+F5+'/'+F4) as pm,F7,F8,V3,V4 from TA4 order by F1",
+    u"select top 1 SortNo from jxc where SortNo>0 order by SortNo desc ",
+    u"select Hpbm,Bdate,Gs,Gj,Ds,Dj,Fs,Fj from jxc where SortNo=3",
     u"select top 1 Bdate,Gs,Gj,Ds,Dj,Fs,Fj from jxc where hpbm='A1' and SortNo>0 order by SortNo desc ",
+    u"select count(*) from TB1",
+    u"select count(*) from TB1 where   datediff('d','2004-11-1',TB1.F2 ) >= 0  And "
+    u"datediff('d','2004-11-18',TB1.F2 ) <= 0  ",
+    u"select F1 from TB1 where TB1.F6 IS NOT NULL and TB1.F6<>'' AND   datediff('d','2004-11-1',TB1.F2 ) >= 0  And "
+    u"datediff('d','2004-11-18',TB1.F2 ) <= 0  ",
+    u"select TB11.F1,TB11.F0,TB11.F6,TB11.F7 from TB11 order by TB11.F1,TB11.F0,TB11.F6,TB11.F7",
+    u"select TB11.F1,TB11.F0,TB11.F6,TB11.F7 from TB11 left join TB1 on TB1.F1=TB11.F0 where TB1.F6 IS NOT NULL and "
+    u"TB1.F6<>'' AND   datediff('d','2004-11-1',TB1.F2 ) >= 0  And datediff('d','2004-11-18',TB1.F2 ) <= 0   order by "
+    u"TB11.F1,TB11.F0,TB11.F6,TB11.F7",
+    u"SELECT TC21.F1 FROM TC21 LEFT JOIN TC2 ON TC2.F1=TC21.F0 WHERE TC2.F6 IS NOT NULL and TC2.F6<>'' AND   "
+    u"datediff('d','2004-11-1',TC2.F2 ) >= 0  And datediff('d','2004-11-18',TC2.F2 ) <= 0   AND TC21.F1 like "
+    u"'* AND (TC21.F6-TC21.F5)>0' GROUP BY TC21.F1",
     u" SELECT Sum(TB11.F6) AS SSL,Sum(TB11.F6*TB11.F7) as JE FROM TB11 LEFT JOIN TB1 ON TB1.F1=TB11.F0 WHERE "
     u"TB1.F6 IS NOT NULL and TB1.F6<>'' AND   datediff('d','2004-11-1',TB1.F2 ) >= 0  And "
     u"datediff('d','2004-11-18',TB1.F2 ) <= 0   AND TB11.F1='A1' GROUP BY TB11.F1",

@@ -76,6 +76,19 @@ std::optional<QString> ScriptedDialogs::chooseFile(const FileRequest& request)
     return QDir::toNativeSeparators(QDir::cleanPath(path));
 }
 
+std::optional<PrintJob> ScriptedDialogs::print(const PrintRequest& request)
+{
+    const QString answer = take(request.title, request.job.printer);
+    if (answer == u"yes" || answer == u"no")
+        refuse(u"a PDF file, ok or cancel"_s, request.title, answer);
+    if (answer == u"cancel")
+        return {};
+    PrintJob job = request.job;
+    if (answer != u"ok")
+        job.file = QDir::toNativeSeparators(QDir(programFolder_).absoluteFilePath(localPath(answer)));
+    return job;
+}
+
 void ScriptedDialogs::doEvents()
 {
     turn_();

@@ -20,6 +20,7 @@ public:
     std::optional<QString> input(const InputRequest& request) override;
     std::optional<QString> chooseFile(const FileRequest& request) override;
     void doEvents() override;
+    std::optional<PrintJob> print(const PrintRequest& request) override;
 
 private:
     /// The next queued answer; the script fails when there is none.

@@ -1,0 +1,1 @@
+select TB1.F1,TB1.F2,TA1.F2 AS BuMen,TB11.F6*TB11.F7 AS je,0 as CS from (TB1 left join TA1 on TB1.F3=TA1.F1) left join (TB11 left Join (TA4 left join TA3 on TA4.F3=TA3.F1) on TB11.F1=TA4.F1) on TB11.F0=TB1.F1 Where datediff('d','2004-1-1',TB1.F2 ) >= 0 and datediff('d','2004-12-31',TB1.F2 ) <= 0 and TA4.F1 like 'A*' order by F18 desc

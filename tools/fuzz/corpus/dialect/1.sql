@@ -1,0 +1,1 @@
+insert into jxc (SortNo,Bdate,Edate,Hpbm,Gprice,[As],Aj) values (0,'2004-1-1','2004-1-31','A1',12.5,-3,1E-06)

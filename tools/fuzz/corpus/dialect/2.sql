@@ -1,0 +1,1 @@
+INSERT INTO TC15 (F1,F2,F1 4,F15) values ('a','b',1,.5)

@@ -1,0 +1,1 @@
+delete from TB1 where TB1.F1 IN ( SELECT F0 FROM TB11 WHERE TB11.F1='A''1')

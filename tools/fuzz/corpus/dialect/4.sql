@@ -1,0 +1,1 @@
+update TA4 set F8=F8+-3,F7=(F7*F8+12.5*3)/(F8+3) where F1='货品' and F8 is not null

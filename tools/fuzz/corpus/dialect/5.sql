@@ -1,0 +1,1 @@
+select top 1 SortNo from jxc where SortNo<>0 group by SortNo,Bdate,Edate order by SortNo desc

@@ -1,0 +1,1 @@
+select F1,(F2+'/'+F5+'/'+F4) as pm,F7 from TA4 where (F1='a' or not (F2<>'b')) and len(F1)>2
