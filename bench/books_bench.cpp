@@ -11,9 +11,11 @@
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
+#include "reports/C1.h"
 #include "reports/C15.h"
 #include "reports/C18.h"
 #include "reports/C181.h"
+#include "reports/Lst.h"
 #include "tests/ledger_fixture.h"
 #include "tests/memory_desktop.h"
 #include "tools/books.h"
@@ -46,11 +48,11 @@ public:
 class BooksSession
 {
 public:
-    BooksSession()
+    explicit BooksSession(LedgerFixture& of = books())
     {
         resetSession();
         setClock(lastDay.startOfDay());
-        gDB = DBEngine::OpenDatabase(copyOf(books().path(), u"本帐.hcn"_s), ledgerConnect.toString());
+        gDB = DBEngine::OpenDatabase(copyOf(of.path(), u"本帐.hcn"_s), ledgerConnect.toString());
         gRights.set();
         gOperId = u"001"_s;
         gCanSeeCost = true;
@@ -69,16 +71,25 @@ public:
     /// The same ledger for the bare engine: on one file each side's commits would cost the other its cache.
     QString copy() const { return copyOf(path_, u"另本.hcn"_s); }
 
-private:
     static LedgerFixture& books()
     {
-        static LedgerFixture* made = [] {
-            auto* fixture = new LedgerFixture; // as long as the process: its folder goes with `main`
-            Database ledger = fixture->open();
-            writeBooks(ledger, {});
-            return fixture;
-        }();
+        static LedgerFixture* made = written({});
         return *made;
+    }
+    static LedgerFixture& manyGoods()
+    {
+        static LedgerFixture* made = written({.goods = 100'000, .documents = 1'000, .lines = 10'000});
+        return *made;
+    }
+
+private:
+    /// As long as the process: its folder goes with `main`.
+    static LedgerFixture* written(const BooksSize& size)
+    {
+        auto* fixture = new LedgerFixture;
+        Database ledger = fixture->open();
+        writeBooks(ledger, size);
+        return fixture;
     }
     QString copyOf(const QString& from, const QString& name) const
     {
@@ -248,6 +259,38 @@ void flowLedger(benchmark::State& state)
     state.counters["rows"] = form.GD->Rows() - 2;
 }
 BENCHMARK(flowLedger)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// A list from nothing to its texts in the grid, beside its own statements without a copy of their rows.
+template <typename Open>
+void openList(benchmark::State& state, const BooksSession& session, Open open)
+{
+    const Recording recording(gDB.connection().handle(), [&] { open().Unload(); });
+    BareLedger bare(session.copy());
+    Beside beside(state);
+    for (auto _ : state)
+        beside.turn(
+            [&] {
+                open().Unload();
+                QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            },
+            [&] { bare.run(recording.statements); });
+}
+
+/// The outbound lines of today, as the statistics open.
+void linesOfToday(benchmark::State& state)
+{
+    const BooksSession session;
+    openList(state, session, []() -> Form& { return Lst::theWindow(StatisticsMode::D2); });
+}
+BENCHMARK(linesOfToday)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The stock list over 100,000 goods.
+void stockList(benchmark::State& state)
+{
+    const BooksSession session(BooksSession::manyGoods());
+    openList(state, session, []() -> Form& { return C1::theWindow(); });
+}
+BENCHMARK(stockList)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

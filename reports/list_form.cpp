@@ -204,7 +204,7 @@ void ListForm::show(Listing&& next, QList<QStringList> rows)
     if (count_ > 0) {
         GD->setRows(std::move(rows));
         if (summed)
-            GD->setEmphasized(count_ + 1);
+            GD->pinTotals();
     } else {
         GD->clearRows();
     }

@@ -425,7 +425,7 @@ private slots:
         const auto bold = [&](int row) {
             return model->data(model->index(row - 1, 0), Qt::FontRole).value<QFont>().bold();
         };
-        grid.setEmphasized(3);
+        grid.pinTotals();
         grid.RemoveItem(1);
         QCOMPARE(grid.Rows(), 3);
         QVERIFY(bold(2)); // went along with its row

@@ -530,12 +530,6 @@ void Grid::setColumnVisible(int column, bool visible)
     fitStretch();
 }
 
-void Grid::setEmphasized(int row)
-{
-    if (isDataRow(row))
-        model_->emphasize(row - fixedRows_);
-}
-
 QModelIndex Grid::indexOf(int row, int column) const
 {
     return model_->index(row - fixedRows_, column);

@@ -61,8 +61,6 @@ public:
 
     bool columnVisible(int column) const;
     void setColumnVisible(int column, bool visible);
-    /// Sets a row off from the others (totals) until the rows are replaced.
-    void setEmphasized(int row);
     /// Sets the last row off and keeps it in view below the others, until rows come or go.
     void pinTotals();
 

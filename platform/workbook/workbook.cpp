@@ -61,7 +61,7 @@ public:
     explicit XlsFile(const QString& path)
         : path_(path)
     {
-        if (freexl_open(QFile::encodeName(path).constData(), &handle_) != FREEXL_OK) {
+        if (!xlsTextsFit(path) || freexl_open(QFile::encodeName(path).constData(), &handle_) != FREEXL_OK) {
             handle_ = nullptr;
             refusal = holdsLockedArchive(path) ? locked : xlsDamaged;
             return;

@@ -83,6 +83,7 @@ private:
 enum RecordType {
     EndRecord = 0x000a,
     FormatRecord = 0x041e,
+    LabelRecord = 0x0204,
     StyleRecord = 0x00e0,
     SheetRecord = 0x0085,
     NumberRecord = 0x0203,
@@ -125,7 +126,33 @@ QString formatCode(const QByteArray& stream, const Record& record)
     return code;
 }
 
+/// Whether a text of that many characters, which a byte of flags stands before, ends within its record.
+bool textFits(const QByteArray& stream, const Record& record, int length, int flagsAt)
+{
+    const bool wide = numberAt<quint8>(stream, record.data + flagsAt) & 1;
+    return flagsAt + 1 + length * (wide ? 2 : 1) <= record.size;
+}
+
 } // namespace
+
+bool xlsTextsFit(const QString& path)
+{
+    constexpr int longestRecord = 8224;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray bytes = file.readAll();
+    const QByteArray stream = Container(bytes).stream(u"Workbook"_s);
+    for (qint64 at = 0; at + 4 <= stream.size();) {
+        const Record record = nextRecord(stream, at);
+        const auto length = [&](int place) { return int(numberAt<quint16>(stream, record.data + place)); };
+        if (record.size > longestRecord || (record.type == FormatRecord && !textFits(stream, record, length(2), 4)) ||
+            (record.type == LabelRecord && !textFits(stream, record, length(6), 8)) ||
+            (record.type == SheetRecord && !textFits(stream, record, numberAt<quint8>(stream, record.data + 6), 7)))
+            return false;
+    }
+    return true;
+}
 
 XlsFormats::XlsFormats(const QString& path)
 {

@@ -3,6 +3,10 @@
 #include <QHash>
 #include <QString>
 
+/// Whether the texts of an older workbook end where their records end. The library that reads it doesn't look, and
+/// would take what lies behind them in memory for a damaged text.
+bool xlsTextsFit(const QString& path);
+
 /// What FreeXL doesn't tell of an older workbook: which cells show their number with zeros in front (00123), as codes
 /// are often kept.
 class XlsFormats
