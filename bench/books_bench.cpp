@@ -3,6 +3,7 @@
 
 #include "bench/bare_ledger.h"
 #include "bench/beside.h"
+#include "bench/offscreen.h"
 #include "ledger/Module1.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
@@ -10,17 +11,14 @@
 #include "platform/widgets/controls.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
-#include "platform/widgets/style.h"
 #include "reports/C1.h"
 #include "reports/C15.h"
 #include "reports/C18.h"
 #include "reports/C181.h"
 #include "reports/Lst.h"
 #include "tests/ledger_fixture.h"
-#include "tests/memory_desktop.h"
 #include "tools/books.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QPushButton>
 
@@ -296,18 +294,5 @@ BENCHMARK(stockList)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        qputenv("QT_LOGGING_RULES", "default.warning=false");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    style::apply(application);
-    MemoryDesktop::install();
-    setDialogHost(std::make_unique<OnlySaved>());
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    setDialogHost(nullptr);
-    return 0;
+    return runOffscreen(argc, argv, std::make_unique<OnlySaved>());
 }

@@ -3,6 +3,7 @@
 
 #include "bench/beside.h"
 #include "bench/filled_ledger.h"
+#include "bench/offscreen.h"
 #include "documents/document_form.h"
 #include "documents/goods_lookup.h"
 #include "documents/line_entry.h"
@@ -11,11 +12,8 @@
 #include "platform/base/dialogs.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
-#include "platform/widgets/style.h"
-#include "tests/memory_desktop.h"
 #include "tools/faulty_disk.h"
 
-#include <QApplication>
 #include <QLineEdit>
 
 namespace {
@@ -265,18 +263,5 @@ BENCHMARK(fillGrid)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        qputenv("QT_LOGGING_RULES", "default.warning=false"); // the platform's, about size hints that it has no use for
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    style::apply(application);
-    MemoryDesktop::install();
-    setDialogHost(std::make_unique<Agreeing>());
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    setDialogHost(nullptr);
-    return 0;
+    return runOffscreen(argc, argv, std::make_unique<Agreeing>());
 }

@@ -2,13 +2,10 @@
 
 #include "bench/beside.h"
 #include "bench/filled_ledger.h"
+#include "bench/offscreen.h"
 #include "ledger/Module1.h"
 #include "masterdata/FromExcel.h"
 #include "platform/widgets/grid.h"
-#include "platform/widgets/style.h"
-#include "tests/memory_desktop.h"
-
-#include <QApplication>
 
 namespace {
 
@@ -78,16 +75,5 @@ BENCHMARK(importGoods)->UseManualTime()->Unit(benchmark::kMillisecond)->Iteratio
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        qputenv("QT_LOGGING_RULES", "default.warning=false"); // the platform's, about size hints that it has no use for
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    style::apply(application);
-    MemoryDesktop::install();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runOffscreen(argc, argv);
 }

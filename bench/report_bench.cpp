@@ -3,14 +3,12 @@
 
 #include "bench/bare_ledger.h"
 #include "bench/beside.h"
+#include "bench/offscreen.h"
 #include "platform/base/dialogs.h"
 #include "platform/report/page_view.h"
-#include "platform/widgets/style.h"
 #include "reports/Prnt.h"
 #include "tests/ledger_fixture.h"
-#include "tests/memory_desktop.h"
 
-#include <QApplication>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
@@ -151,16 +149,5 @@ BENCHMARK(wholePdf)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        qputenv("QT_LOGGING_RULES", "default.warning=false");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    style::apply(application);
-    MemoryDesktop::install();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runOffscreen(argc, argv);
 }
