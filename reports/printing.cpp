@@ -33,13 +33,9 @@ void preview(const PrintOrder& order)
     auto& form = theForm<Prnt>();
     struct Unloader
     {
-        QPointer<Prnt> form; // its own command may have unloaded it already
-        ~Unloader()
-        {
-            if (form)
-                form->Unload();
-        }
-    } unloader{&form};
+        Prnt& form;
+        ~Unloader() { form.Unload(); }
+    } unloader{form};
     form.Cry.DataFiles(0) = gLedgerFile;
     form.Cry.ReportFileName = gAppPath + order.reportFile;
     for (int i = 0; i < order.formulas.size(); ++i)

@@ -193,7 +193,10 @@ void Form::ShowModal()
     if (self) {
         modal_ = nullptr;
         hide();
-        if (!released_)
+        if (released_)
+            deleteLater(); // only from here: earlier the loop above might have destroyed it before its caller looks at
+                           // it
+        else
             setParent(nullptr); // hidden but loaded: it must not end with the window that it stood before
     }
     activateAgain(owner);
@@ -228,7 +231,7 @@ bool Form::release()
     runCommand([this] { unloaded(); });
     if (modal_)
         modal_->quit();
-    if (!child_)
+    else if (!child_)
         deleteLater();
     return true;
 }
