@@ -1,7 +1,6 @@
 #include "shell/Login.h"
 
 #include "admin/AboutUS.h"
-#include "admin/background.h"
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
@@ -11,7 +10,6 @@
 #include "platform/base/lock_file.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/style.h"
-#include "shell/BGForm.h"
 #include "shell/MForm.h"
 #include "shell/rights.h"
 #include "shell/session.h"
@@ -36,7 +34,6 @@ constexpr int pictureSize = 64;
 
 Login::Login()
     : Form(formName(), u"登录帐本..."_s + todayText())
-    , defaultBigCaption_(u"恒仓宁仓库管理"_s)
 {
     // Read before any control is made: a ledger that can't be read ends the loading here.
     QStringList operators;
@@ -134,7 +131,6 @@ void Login::completeLogin(const QString& account)
     MForm::get().setOperator(gOperName);
     LoadSettings();
     ApplyRights();
-    defaultBigCaption_ = gCompanyName;
     dressBackground();
 }
 
@@ -151,15 +147,6 @@ void Login::warnOfWeakLocks()
                    u"”不支持文件锁定，几个人同时使用这个帐本时数据可能会丢失！\n\n"
                    "请只由一个人使用，或者把帐本移到支持文件锁定的共享文件夹中。"_s,
                u"警告"_s, BoxIcon::Exclamation);
-}
-
-void Login::dressBackground()
-{
-    BGForm& background = *MForm::get().background();
-    // Decoration only: neither a failed look-up nor an unreadable picture stops a login.
-    const QString caption = LookupValue(gDB, u"select F75 from TE1 where F1="_s + sqlText(gOperId));
-    background.setBigCaption(caption.isEmpty() || caption == u"NoFound" ? defaultBigCaption_ : Trim(caption));
-    dressFor(background, gOperId);
 }
 
 void Login::takeAccount()

@@ -36,8 +36,6 @@ private:
     bool proven(const QString& account);
     void completeLogin(const QString& account);
     void warnOfWeakLocks();
-    void dressBackground();
 
     QString helpText_;
-    QString defaultBigCaption_;
 };

@@ -32,6 +32,8 @@
 #include "reports/C3.h"
 #include "reports/Lst.h"
 #include "shell/BGForm.h"
+#include "shell/CompanySet.h"
+#include "shell/FirstSteps.h"
 #include "shell/Login.h"
 #include "shell/ZbSet.h"
 #include "shell/entry.h"
@@ -41,6 +43,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
 #include <QStatusBar>
@@ -118,11 +121,13 @@ void showSessions()
     MForm::get().showSessions();
 }
 
-void openFunctionSettings()
+/// For "001" only, whatever rights the others have.
+template <class F>
+void openForTopAdministrator()
 {
     if (!isTopAdministrator())
         return MsgBox(u"对不起，此功能仅系统最高权限管理员“001”可以使用！您无此权限！"_s);
-    theForm<SysFuncSet>().ShowModal();
+    theForm<F>().ShowModal();
 }
 
 /// The operators of the ledger may be others afterwards.
@@ -188,7 +193,8 @@ const MenuRow menuRows[] = {
     {"Menu_S2",       "menu_S",   u"&2.操作员个人设置",      command,   anyone, &openPersonalSettings},
     {"Menu_S25",      "menu_S",   u"&3.系统设置",            menu,      OperatorRight::Admin},
     {"Menu_S2501",    "Menu_S25", u"系统套帐设置",           command,   anyone, +[] { MForm::get().changeLedger(); }},
-    {"Menu_S2502",    "Menu_S25", u"系统功能设置",           command,   anyone, &openFunctionSettings},
+    {"Menu_S2502",    "Menu_S25", u"系统功能设置",           command,   anyone, &openForTopAdministrator<SysFuncSet>},
+    {"Menu_S2503",    "Menu_S25", u"公司资料设置",           command,   anyone, &openForTopAdministrator<CompanySet>},
     {"sl",            "menu_S",   u"",                       separator, anyone},
     {"Menu_S26",      "menu_S",   u"&4.数据备份与恢复",      menu,      anyone},
     {"Menu_zbbf",     "Menu_S26", u"&B.帐本备份",            command,   anyone, &openModal<sysDBbak>},
@@ -256,6 +262,8 @@ MForm::MForm()
     buildMenu();
     background_ = new BGForm(area_->viewport());
     background_->lower();
+    firstSteps_ = new FirstSteps(area_->viewport());
+    connect(area_, &QMdiArea::subWindowActivated, this, [this] { refreshFirstSteps(); });
     area_->viewport()->installEventFilter(this);
     background_->loadPicture(gAppPath + u"syspic.dat"_s);
     background_->show();
@@ -325,6 +333,13 @@ void MForm::applyGates()
     for (const MenuRow& row : menuRows)
         if (row.gate && (row.run || row.kind == ItemKind::Menu))
             items_.value(QString::fromLatin1(row.name))->setEnabled(gateOpen(row));
+    refreshFirstSteps();
+}
+
+/// Queued: a form that goes is still the active one while it is told of.
+void MForm::refreshFirstSteps()
+{
+    QMetaObject::invokeMethod(firstSteps_, &FirstSteps::refresh, Qt::QueuedConnection);
 }
 
 void MForm::setCaption(const QString& caption)
@@ -449,12 +464,25 @@ void MForm::keyPressEvent(QKeyEvent* event)
 void MForm::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
+    fitBackground();
+}
+
+void MForm::fitBackground()
+{
     background_->fitTo(area_->viewport()->size());
+    firstSteps_->place();
+}
+
+void MForm::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        refreshFirstSteps(); // a modal form may have done one of them
 }
 
 bool MForm::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == area_->viewport() && event->type() == QEvent::Resize)
-        background_->fitTo(area_->viewport()->size());
+        fitBackground();
     return QMainWindow::eventFilter(watched, event);
 }

@@ -8,6 +8,7 @@
 #include <QMdiArea>
 
 class BGForm;
+class FirstSteps;
 class StatusPanels;
 
 /// The main window: menu bar, status panels, and the area of child forms with the background behind them. It routes
@@ -40,11 +41,14 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     MForm();
     void buildMenu();
+    void fitBackground();
+    void refreshFirstSteps();
     void panelClicked(int panel);
     bool mayEnd();
     void endOrderly();
@@ -53,6 +57,7 @@ private:
     PresenceMark presence_;
     QMdiArea* area_ = nullptr;
     BGForm* background_ = nullptr;
+    FirstSteps* firstSteps_ = nullptr;
     StatusPanels* panels_ = nullptr;
     QHash<QString, QAction*> items_;
 };

@@ -1,7 +1,10 @@
 #include "shell/rights.h"
 
+#include "admin/background.h"
+#include "ledger/Module1.h"
 #include "ledger/literal.h"
 #include "platform/widgets/form.h"
+#include "shell/BGForm.h"
 #include "shell/MForm.h"
 #include "shell/session.h"
 
@@ -31,12 +34,23 @@ QString mainCaption()
     return u"恒仓宁仓库管理系统 Ver:"_s + gVersion;
 }
 
-void ApplyRights()
+void showCompany()
 {
     LoadCompany();
-    MForm& window = MForm::get();
-    window.setCaption(mainCaption() + u' ' + gCompanyName);
+    MForm::get().setCaption(mainCaption() + u' ' + gCompanyName);
+}
 
+void dressBackground()
+{
+    BGForm& background = *MForm::get().background();
+    const QString caption = LookupValue(gDB, u"select F75 from TE1 where F1="_s + sqlText(gOperId));
+    background.setBigCaption(caption.isEmpty() || caption == u"NoFound" ? gCompanyName : Trim(caption));
+    dressFor(background, gOperId);
+}
+
+void ApplyRights()
+{
+    showCompany();
     gRights.set(); // first all, so that a change of operator gives back what the one before lacked
     if (!isTopAdministrator()) {
         const Recordset row =
@@ -45,7 +59,7 @@ void ApplyRights()
             gRights.set(i, row.Fields(qsizetype(i)).number() != 0); // a Null right is denied
     }
     // Only "001" changes the ledger by a click there, so only "001" is told.
-    window.setLedgerTip(isTopAdministrator() ? u"点击此处可以更换帐本"_s : QString());
+    MForm::get().setLedgerTip(isTopAdministrator() ? u"点击此处可以更换帐本"_s : QString());
     spreadRights();
 }
 

@@ -9,5 +9,13 @@ QString mainCaption();
 /// @throws StoreError: then call `logOut`
 void ApplyRights();
 
+/// Reads the company's data anew and shows its name in the main window's caption.
+/// @throws StoreError
+void showCompany();
+
+/// The background as the operator wants it: own picture, and over it the own big caption or the company's name.
+/// Decoration only: neither a failed look-up nor an unreadable picture is told.
+void dressBackground();
+
 /// Nobody is logged in: every gated menu is disabled, as before the first login.
 void logOut();

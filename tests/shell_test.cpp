@@ -1028,6 +1028,7 @@ private slots:
                                u" Menu_S25 &3.系统设置"_s,
                                u"  Menu_S2501 系统套帐设置"_s,
                                u"  Menu_S2502 系统功能设置"_s,
+                               u"  Menu_S2503 公司资料设置"_s,
                                u" sl -"_s,
                                u" Menu_S26 &4.数据备份与恢复"_s,
                                u"  Menu_zbbf &B.帐本备份"_s,
