@@ -5,6 +5,7 @@
 #include "platform/widgets/system_desktop.h"
 #include "platform/widgets/window_dialogs.h"
 #include "shell/entry.h"
+#include "shell/program_folder.h"
 #include "shell/session.h"
 
 #include <QApplication>
@@ -18,7 +19,12 @@ int main(int argc, char* argv[])
     setDesktopHost(systemDesktop());
     setDialogHost(windowDialogs());
     style::apply(application);
-    setProgramFolder(QApplication::applicationDirPath());
+    const ProgramFolder folder = programFolder(QApplication::applicationDirPath());
+    if (!folder.trouble.isEmpty()) {
+        errorBox(folder.trouble);
+        return 1;
+    }
+    setProgramFolder(folder.path);
     QTimer::singleShot(0, &application,
                        [] { runCommand([] { runEntry(commandLineOf(QApplication::arguments().mid(1))); }); });
     return QApplication::exec();

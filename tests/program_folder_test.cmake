@@ -39,6 +39,20 @@ foreach(name ${layouts})
   endforeach()
 endforeach()
 
+# The package has the parts that a user's folder is made of, and nothing of what anybody worked in.
+run_cmake(--install ${build} --prefix ${scratch}/usr --component package)
+foreach(name bin/hcn lib/hcn/hcn lib/hcn/jisuan share/hcn/Learn.dat share/hcn/demo.hcn share/hcn/使用说明/index.md
+        share/applications/hengcangning.desktop share/mime/packages/hengcangning.xml
+        share/icons/hicolor/128x128/apps/hengcangning.png)
+  if(NOT EXISTS "${scratch}/usr/${name}")
+    message(FATAL_ERROR "The package lacks ${name}")
+  endif()
+endforeach()
+file(SHA256 ${scratch}/usr/share/hcn/vemaro.dat packaged)
+if(NOT packaged STREQUAL pristine)
+  message(FATAL_ERROR "The first ledger in the package isn't the template")
+endif()
+
 # Installing over it keeps what its user has.
 set(own vemaro.dat dbsetup.dat 我的帐本/a.hcn 数据备份/a2004-1-1.hcn abak.set image/101.jpg prntd10.rpt)
 foreach(name ${own})

@@ -14,6 +14,7 @@
 #include "shell/MForm.h"
 #include "shell/ZbSet.h"
 #include "shell/entry.h"
+#include "shell/program_folder.h"
 #include "shell/rights.h"
 
 #include <QCheckBox>
@@ -1308,6 +1309,44 @@ private slots:
         QVERIFY(desktop_->opened[0].startsWith(u"https://"_s));
         QVERIFY(desktop_->opened[1].startsWith(u"mailto:"_s) && desktop_->opened[1].endsWith(u"9.69"_s));
         QCOMPARE(desktop_->opened[2], desktop_->opened[0]);
+    }
+
+    /// A user's own program folder, made of what a package installed: it follows the package, but for what was changed.
+    void programFolderOfAUser()
+    {
+        const QDir home(gAppPath);
+        const QString parts = home.filePath(u"share"_s);
+        const QString programs = home.filePath(u"lib"_s);
+        const QString own = home.filePath(u"data/hcn"_s);
+        const auto inOwn = [&own](const QString& name) { return own + u'/' + name; };
+        const auto install = [&](const QByteArray& text) {
+            for (const QString& name : {u"Plist.rpt"_s, u"Learn.dat"_s, u"vemaro.dat"_s, u"demo.hcn"_s})
+                writeFile(parts + u'/' + name, text);
+            QCOMPARE(renewProgramFolder(parts, programs, own), QString());
+        };
+        QVERIFY(home.mkpath(parts + u"/使用说明"_s) && home.mkpath(programs));
+        writeFile(programs + u"/hcn"_s, "program");
+        QFile::setPermissions(programs + u"/hcn"_s, QFile::ReadOwner | QFile::ExeOwner);
+        install("first");
+        QCOMPARE(readFile(inOwn(u"vemaro.dat"_s)), "first");
+        QCOMPARE(readFile(inOwn(u"hcn"_s)), "program");
+        QVERIFY(QDir(inOwn(u"使用说明"_s)).exists());
+        writeFile(inOwn(u"Plist.rpt"_s), "mine");
+        QFile::remove(inOwn(u"demo.hcn"_s));
+        install("second");
+        install("third");
+        QCOMPARE(readFile(inOwn(u"Plist.rpt"_s)), "mine");
+        QCOMPARE(readFile(inOwn(u"Learn.dat"_s)), "third");
+        QCOMPARE(readFile(inOwn(u"vemaro.dat"_s)), "first"); // a ledger is never replaced
+        QCOMPARE(readFile(inOwn(u"demo.hcn"_s)), "second");
+        QFile::remove(inOwn(u"Plist.rpt"_s));
+        install("fourth");
+        QCOMPARE(readFile(inOwn(u"Plist.rpt"_s)), "fourth");
+        // Where the folder can't be made the operator hears it.
+        writeFile(home.filePath(u"taken"_s), "a file");
+        QVERIFY(renewProgramFolder(parts, programs, home.filePath(u"taken/hcn"_s)).contains(u"程序文件夹"_s));
+        // A folder that has a ledger of its own is a program folder wherever it lies.
+        QCOMPARE(::programFolder(parts).path, parts);
     }
 };
 

@@ -14,7 +14,8 @@
 #include <vector>
 
 /// Draws the pictures that stand beside the program: the background of the main window and the icon of ledger files.
-/// Usage: make_pictures FOLDER. Nothing here writes text, so it needs neither a display nor a font.
+/// Usage: make_pictures FOLDER ICONS, the latter for the icon in the sizes that desktops install. Nothing here writes
+/// text, so it needs neither a display nor a font.
 
 namespace {
 
@@ -150,12 +151,15 @@ bool writeFile(const QString& path, const QByteArray& bytes)
 
 int main(int argc, char* argv[])
 {
-    if (argc != 2) {
-        std::fputs("usage: make_pictures FOLDER\n", stderr);
+    if (argc != 3) {
+        std::fputs("usage: make_pictures FOLDER ICONS\n", stderr);
         return 2;
     }
     const QDir folder(QString::fromLocal8Bit(argv[1]));
-    const bool written = writeFile(folder.filePath(u"syspic.dat"_s), asPng(backgroundPicture())) &&
-                         writeFile(folder.filePath(u"zb.ico"_s), asIcon({16, 24, 32, 48, 64, 256}));
+    const QDir icons(QString::fromLocal8Bit(argv[2]));
+    bool written = writeFile(folder.filePath(u"syspic.dat"_s), asPng(backgroundPicture())) &&
+                   writeFile(folder.filePath(u"zb.ico"_s), asIcon({16, 24, 32, 48, 64, 256}));
+    for (const int size : {48, 128, 256})
+        written = written && writeFile(icons.filePath(u"icon%1.png"_s.arg(size)), asPng(ledgerIcon(size)));
     return written ? 0 : 1;
 }
