@@ -86,7 +86,8 @@ bool IsDate(QStringView text)
 
 QString dateText(QDate date)
 {
-    return u"%1-%2-%3"_s.arg(date.year()).arg(date.month()).arg(date.day());
+    // Reading wants four digits of the year.
+    return u"%1-%2-%3"_s.arg(date.year(), 4, 10, QChar(u'0')).arg(date.month()).arg(date.day());
 }
 
 QString momentText(const QDateTime& moment)

@@ -92,7 +92,7 @@ std::optional<QStringList> readLines(const QString& path)
         return {};
     QStringList lines = text->split(u'\n');
     for (QString& line : lines)
-        if (line.endsWith(u'\r'))
+        while (line.endsWith(u'\r'))
             line.chop(1);
     if (lines.last().isEmpty())
         lines.removeLast();
