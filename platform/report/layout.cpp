@@ -84,9 +84,10 @@ double LayoutReader::number(QStringView name, std::optional<double> otherwise, d
         return otherwise.value_or(0);
     bool good = false;
     const double value = given.toDouble(&good);
-    if (!good || !std::isfinite(value) || value < least || value > most)
-        fail(u"属性 %1 应为 %2 到 %3 之间的数，现为“%4”"_s.arg(name).arg(least).arg(most).arg(given));
-    return value;
+    if (good && std::isfinite(value) && value >= least && value <= most)
+        return value;
+    fail(u"属性 %1 应为 %2 到 %3 之间的数，现为“%4”"_s.arg(name).arg(least).arg(most).arg(given));
+    return otherwise.value_or(0); // reading goes on to its end; no other number may follow from this one
 }
 
 bool LayoutReader::flag(QStringView name, bool otherwise)
