@@ -1,5 +1,6 @@
 #include "ledger/Module1.h"
 
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
@@ -12,13 +13,14 @@
 QString clockDoubt()
 {
     std::optional<QDate> newest;
-    for (const char16_t* statement :
-         {u"select top 1 H8 from TB1 order by H8 desc", u"select top 1 H8 from TB3 order by H8 desc",
-          u"select top 1 H8 from TD1 order by H8 desc", u"select top 1 H8 from TD3 order by H8 desc",
-          u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc"})
-        if (const auto day = parseDate(LookupValue(gDB, QString::fromUtf16(statement)));
-            day && (!newest || *day > *newest))
+    const auto meet = [&newest](const QString& statement) {
+        if (const auto day = parseDate(LookupValue(gDB, statement)); day && (!newest || *day > *newest))
             newest = day;
+    };
+    for (const DocumentTables& kind : documentTables)
+        if (kind.movesGoods()) // a stock-take keeps no moment
+            meet(u"select top 1 H8 from %1 order by H8 desc"_s.arg(kind.header));
+    meet(u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc"_s);
     constexpr int yearsOfRest = 2; // a ledger may well lie unused that long
     if (!newest || (Today() >= *newest && Today() < newest->addYears(yearsOfRest)))
         return {};

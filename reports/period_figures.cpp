@@ -1,6 +1,7 @@
 #include "reports/period_figures.h"
 
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/date.h"
 #include "shell/session.h"
@@ -12,26 +13,13 @@
 
 namespace {
 
-struct MovingDocument
-{
-    QString header;
-    QString lines;
-    MovedSum MovedGoods::*side;
-};
-
-/// In the order in which their sums are added up.
-const std::array<MovingDocument, 4> movingDocuments = {{{u"TB1"_s, u"TB11"_s, &MovedGoods::in},
-                                                        {u"TD3"_s, u"TD31"_s, &MovedGoods::in},
-                                                        {u"TD1"_s, u"TD11"_s, &MovedGoods::out},
-                                                        {u"TB3"_s, u"TB31"_s, &MovedGoods::out}}};
-
-QString withinDays(const QString& header, const QString& from, const QString& to)
+QString withinDays(QStringView header, const QString& from, const QString& to)
 {
     return u"  datediff('d',"_s + sqlText(from) + u',' + header + u".F2 ) >= 0  And datediff('d',"_s + sqlText(to) +
            u',' + header + u".F2 ) <= 0  "_s;
 }
 
-QString auditedWithin(const QString& header, const QString& from, const QString& to)
+QString auditedWithin(QStringView header, const QString& from, const QString& to)
 {
     return header + u".F6 IS NOT NULL and "_s + header + u".F6<>'' AND "_s + withinDays(header, from, to);
 }
@@ -49,9 +37,9 @@ void foldCode(std::string_view code, std::string& into)
 class LineSums
 {
 public:
-    LineSums(MovedByGoods& moved, MovedSum MovedGoods::*side)
+    LineSums(MovedByGoods& moved, const DocumentTables& kind)
         : moved_(moved)
-        , side_(side)
+        , side_(kind.direction > 0 ? &MovedGoods::in : &MovedGoods::out)
     {}
     ~LineSums() { close(); }
     LineSums(const LineSums&) = delete;
@@ -98,25 +86,25 @@ private:
     MovedSum sum_;
 };
 
-QString linesOf(const MovingDocument& kind)
+QString linesOf(const DocumentTables& kind)
 {
     return u"select %1.F1,%1.F0,%1.F6,%1.F7 from %1"_s.arg(kind.lines);
 }
 
-QString inSumOrder(const MovingDocument& kind)
+QString inSumOrder(const DocumentTables& kind)
 {
     return u" order by %1.F1,%1.F0,%1.F6,%1.F7"_s.arg(kind.lines);
 }
 
-void addByDocument(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to)
+void addByDocument(MovedByGoods& moved, const DocumentTables& kind, const QString& from, const QString& to)
 {
-    LineSums sums(moved, kind.side);
+    LineSums sums(moved, kind);
     gDB.walk(linesOf(kind) + u" left join %1 on %1.F1=%2.F0 where "_s.arg(kind.header, kind.lines) +
                  auditedWithin(kind.header, from, to) + inSumOrder(kind),
              [&](const PassingRow& line) { sums.add(line, 1); });
 }
 
-void addByLine(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to)
+void addByLine(MovedByGoods& moved, const DocumentTables& kind, const QString& from, const QString& to)
 {
     std::unordered_map<std::string, int, CodeHash, std::equal_to<>> documents; // no number need be unique
     std::string number;
@@ -127,7 +115,7 @@ void addByLine(MovedByGoods& moved, const MovingDocument& kind, const QString& f
              });
     if (documents.empty())
         return;
-    LineSums sums(moved, kind.side);
+    LineSums sums(moved, kind);
     gDB.walk(linesOf(kind) + inSumOrder(kind), [&](const PassingRow& line) {
         if (line.isNull(1))
             return;
@@ -144,7 +132,7 @@ double documentCount(const QString& statement)
 
 /// A tenth of all documents is about where a look at every line begins to be cheaper than the search for the lines of
 /// each document.
-MovedPlan planFor(const MovingDocument& kind, const QString& from, const QString& to)
+MovedPlan planFor(const DocumentTables& kind, const QString& from, const QString& to)
 {
     const double all = documentCount(u"select count(*) from "_s + kind.header);
     const double within =
@@ -152,7 +140,7 @@ MovedPlan planFor(const MovingDocument& kind, const QString& from, const QString
     return 10 * within > all ? MovedPlan::ByLine : MovedPlan::ByDocument;
 }
 
-void addMoved(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to, MovedPlan plan)
+void addMoved(MovedByGoods& moved, const DocumentTables& kind, const QString& from, const QString& to, MovedPlan plan)
 {
     if (plan == MovedPlan::ByLine)
         addByLine(moved, kind, from, to);
@@ -173,16 +161,18 @@ std::string foldedCode(const QString& code)
 MovedByGoods movedBetween(const QString& from, const QString& to)
 {
     MovedByGoods moved;
-    for (const MovingDocument& kind : movingDocuments)
-        addMoved(moved, kind, from, to, planFor(kind, from, to));
+    for (const DocumentTables& kind : documentTables)
+        if (kind.movesGoods())
+            addMoved(moved, kind, from, to, planFor(kind, from, to));
     return moved;
 }
 
 MovedByGoods movedBetween(const QString& from, const QString& to, MovedPlan plan)
 {
     MovedByGoods moved;
-    for (const MovingDocument& kind : movingDocuments)
-        addMoved(moved, kind, from, to, plan);
+    for (const DocumentTables& kind : documentTables)
+        if (kind.movesGoods())
+            addMoved(moved, kind, from, to, plan);
     return moved;
 }
 
