@@ -148,21 +148,6 @@ void EnsureDefaultRow(const QString& table, const QString& name)
 
 void LoadSettings()
 {
-    struct Setting
-    {
-        int id;
-        int* global;
-    };
-    const auto settings = std::to_array<Setting>({{0, &gNoOverIssue},
-                                                  {1, &gNoPriceEdit},
-                                                  {2, &gNoAvgUpdate},
-                                                  {3, &gNoNegativeQty},
-                                                  {5, &gWithMoney},
-                                                  {6, &gLowAlarm},
-                                                  {7, &gHighAlarm},
-                                                  {8, &gStockEdit001},
-                                                  {9, &gPriceDecimals},
-                                                  {10, &gOpeningEdit001}});
     constexpr int salePriceFactorId = 4; // the one that is kept as text
 
     Recordset rows = gDB.OpenRecordset(u"select ID,setval,Setstr from sysinfo order by ID"_s);
@@ -170,9 +155,9 @@ void LoadSettings()
         const int id = int(rows.Fields(0).number());
         if (id == salePriceFactorId)
             gSalePriceFactor = singleValue(rows.Fields(2).number());
-        for (const Setting& setting : settings)
+        for (const NumberSetting& setting : numberSettings)
             if (setting.id == id)
-                *setting.global = int(rows.Fields(1).number());
+                *setting.value = int(rows.Fields(1).number());
     }
     gPriceDecimals = qMax(gPriceDecimals, 0);
     gPriceFormat = PriceMask(gPriceDecimals);
