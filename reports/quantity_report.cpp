@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 namespace {
@@ -101,16 +102,37 @@ private:
     QHash<QString, double> sums_;
 };
 
-/// The eight sums of one goods, in the order of the documents' kinds.
+/// The sums of one goods, in the order of the documents' kinds. That in which they are added is fixed: a difference is
+/// told by its last digit.
 struct Moved
 {
-    std::array<double, statisticsTraits.size()> inPeriod;
-    std::array<double, statisticsTraits.size()> later;
+    static constexpr size_t kinds = statisticsTraits.size();
+    std::array<double, kinds> inPeriod;
+    std::array<double, kinds> later;
 
-    double closing(double stock) const { return stock - later[0] + later[1] + later[2] - later[3]; }
-    double opening(double closing) const { return closing - inPeriod[0] - inPeriod[3] + inPeriod[2] + inPeriod[1]; }
+    /// Back from the stock of today to the last day.
+    double closing(double stock) const
+    {
+        for (size_t i = 0; i < kinds; ++i)
+            stock += goesIn(i) ? -later[i] : later[i];
+        return stock;
+    }
+    /// Back from the last day to the first: what came in, then what went out, the newest kind first.
+    double opening(double closing) const
+    {
+        for (size_t i = 0; i < kinds; ++i)
+            if (goesIn(i))
+                closing -= inPeriod[i];
+        for (size_t i = kinds; i-- > 0;)
+            if (!goesIn(i))
+                closing += inPeriod[i];
+        return closing;
+    }
     /// What decides whether the goods has a row.
-    double weight(double closing) const { return closing + inPeriod[0] + inPeriod[1] + inPeriod[2] + inPeriod[3]; }
+    double weight(double closing) const { return std::accumulate(inPeriod.begin(), inPeriod.end(), closing); }
+
+private:
+    static bool goesIn(size_t kind) { return statisticsTraits[kind].direction == Direction::In; }
 };
 
 class AllSums
@@ -178,16 +200,11 @@ QList<QList<Value>> quantityReport(const QuantityQuestion& question)
         const double closing = moved.closing(stock);
         if (moved.weight(closing) == 0)
             continue;
-        rows += {code,
-                 goods.Fields(1).text(),
-                 goods.Fields(2).number(),
-                 goods.Fields(3).text(),
-                 moved.opening(closing),
-                 moved.inPeriod[0],
-                 moved.inPeriod[1],
-                 moved.inPeriod[2],
-                 moved.inPeriod[3],
-                 closing};
+        QList<Value> row{code, goods.Fields(1).text(), goods.Fields(2).number(), goods.Fields(3).text(),
+                         moved.opening(closing)};
+        row.append(QList<Value>(moved.inPeriod.begin(), moved.inPeriod.end()));
+        row += closing;
+        rows += std::move(row);
     }
     return rows;
 }
