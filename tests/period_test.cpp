@@ -155,7 +155,7 @@ private slots:
                                        {u"2004-3-5"_s, u"2004-3-31"_s},
                                        {u"2004-2-1"_s, u"2004-8-20"_s},
                                        {u"2004-5-2"_s, u"2004-5-1"_s}})
-            for (const MovedPlan plan : {MovedPlan::ByDocument, MovedPlan::ByLine}) {
+            for (const SumPlan plan : {SumPlan::ByDocument, SumPlan::ByLine}) {
                 const MovedByGoods moved = movedBetween(from, to, plan);
                 for (const QString& code : {u"A1"_s, u"B1"_s, u"铜1"_s, u"ZZ"_s, u"none"_s}) {
                     const auto found = moved.find(foldedCode(code));
