@@ -154,7 +154,8 @@ void SysFuncSet::build()
         lines->setSpacing(style::spacing - 2);
         for (QWidget* row : rows) {
             lines->addWidget(row, 0, Qt::AlignLeft);
-            for (QWidget* part : row->findChildren<QWidget*>(Qt::FindDirectChildrenOnly) << row)
+            const auto parts = QList<QWidget*>{row} + row->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+            for (QWidget* part : parts)
                 if (part->focusPolicy() != Qt::NoFocus)
                     order += part;
         }
