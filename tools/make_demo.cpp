@@ -29,21 +29,6 @@ namespace {
 const QDate firstDay(2025, 1, 2);
 const QDate lastDay(2025, 12, 31);
 
-/// Confirms everything, as somebody does who knows what the year brings.
-class Confirming : public DialogHost
-{
-public:
-    Answer show(const Box& box) override
-    {
-        if (box.kind == BoxKind::Error)
-            qFatal("%s", qPrintable(box.text));
-        return box.buttons == BoxButtons::YesNo ? Answer::Yes : Answer::Ok;
-    }
-    std::optional<QString> input(const InputRequest&) override { return {}; }
-    std::optional<QString> chooseFile(const FileRequest&) override { return {}; }
-    void doEvents() override {}
-};
-
 /// The same numbers on every machine, which the library's distributions don't promise.
 class Dice
 {
@@ -257,7 +242,7 @@ int main(int argc, char* argv[])
         return 2;
     }
     const QString output = QApplication::arguments().at(1);
-    setDialogHost(std::make_unique<Confirming>());
+    setDialogHost(std::make_unique<headless::Agreeing>());
     setDesktopHost(std::make_unique<headless::Desktop>());
     try {
         QFile::remove(output);
