@@ -4,7 +4,7 @@
 
 /// The operators and their six rights; a right takes effect at the next login. An edit empties the operator's password,
 /// big caption and memo, which is how a forgotten password is taken away.
-class S1 : public RecordForm
+class S1 final : public RecordForm
 {
     Q_OBJECT
     // The main window's close guard finds nothing to guard here: an entry that is left is dropped without a word.

@@ -3,6 +3,7 @@
 #include "admin/clearing.h"
 #include "admin/sysDBbak.h"
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
 #include "platform/base/dialogs.h"
@@ -77,10 +78,12 @@ void S3::clear()
 
 void S3::deleteAll()
 {
-    if (Chk[DocumentsBox]->isChecked()) // heads first here, as ever
-        for (const QStringView table :
-             {u"TB1", u"TB11", u"TB3", u"TB31", u"TC2", u"TC21", u"TD1", u"TD11", u"TD3", u"TD31", u"TC15"})
-            gDB.Execute(u"delete from "_s + table);
+    if (Chk[DocumentsBox]->isChecked()) { // heads first here, as ever
+        for (const DocumentTables& kind : documentTables)
+            for (const QStringView table : {kind.header, kind.lines})
+                gDB.Execute(u"delete from "_s + table);
+        gDB.Execute(u"delete from TC15"_s);
+    }
     if (Chk[StockBox]->isChecked())
         gDB.Execute(u"UPDATE TA4 SET F8=0,V3=0,V4=0 "_s);
     if (Chk[MasterDataBox]->isChecked()) {

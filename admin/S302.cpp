@@ -2,6 +2,7 @@
 
 #include "admin/clearing.h"
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "platform/widgets/controls.h"
@@ -18,26 +19,17 @@ enum Choice { NoChoice = -1, SupplierChoice, ConsigneeChoice, CategoryChoice, Go
 
 constexpr std::array<QStringView, 4> choiceCaptions{u"指定供货单位", u"指定出货单位", u"指定货品类别", u"指定货品编码"};
 
-/// Heads and lines of a kind of document.
-struct DocumentTables
-{
-    QStringView heads;
-    QStringView lines;
-};
-
-constexpr std::array<DocumentTables, 2> supplierDocuments{{{u"TB1", u"TB11"}, {u"TB3", u"TB31"}}};
-constexpr std::array<DocumentTables, 2> consigneeDocuments{{{u"TD1", u"TD11"}, {u"TD3", u"TD31"}}};
-
-void deletePartner(const QString& table, const QString& defaultName, const QString& code,
-                   const std::array<DocumentTables, 2>& documents)
+void deletePartner(const QString& table, const QString& defaultName, const QString& code)
 {
     const QString quoted = sqlText(code);
     gDB.Execute(u"delete from "_s + table + u" where F1="_s + quoted);
     EnsureDefaultRow(table, defaultName);
-    for (const auto& [heads, lines] : documents) {
-        gDB.Execute(u"delete from %2 where %2.F0 in (select %1.F1 from %1 where %1.F3="_s.arg(heads, lines) + quoted +
-                    u')');
-        gDB.Execute(u"delete from %1 where  %1.F3="_s.arg(heads) + quoted);
+    for (const DocumentTables& kind : documentTables) {
+        if (kind.partners != table)
+            continue;
+        gDB.Execute(u"delete from %2 where %2.F0 in (select %1.F1 from %1 where %1.F3="_s.arg(kind.header, kind.lines) +
+                    quoted + u')');
+        gDB.Execute(u"delete from %1 where  %1.F3="_s.arg(kind.header) + quoted);
     }
 }
 
@@ -46,12 +38,13 @@ void deleteGoods(const QString& code)
 {
     const QString quoted = sqlText(code);
     gDB.Execute(u"delete from TA4 where F1="_s + quoted);
-    for (const auto& pairs : {supplierDocuments, consigneeDocuments})
-        for (const auto& [heads, lines] : pairs) {
-            const QString numbers = u" IN ( SELECT F0 FROM %1 WHERE %1.F1="_s.arg(lines) + quoted + u')';
-            gDB.Execute(u"delete from %1 where %1.F1"_s.arg(heads) + numbers);
-            gDB.Execute(u"delete from %1 where %1.F0"_s.arg(lines) + numbers);
-        }
+    for (const DocumentTables& kind : documentTables) {
+        if (!kind.movesGoods())
+            continue;
+        const QString numbers = u" IN ( SELECT F0 FROM %1 WHERE %1.F1="_s.arg(kind.lines) + quoted + u')';
+        gDB.Execute(u"delete from %1 where %1.F1"_s.arg(kind.header) + numbers);
+        gDB.Execute(u"delete from %1 where %1.F0"_s.arg(kind.lines) + numbers);
+    }
     gDB.Execute(u"delete from jxc where hpbm="_s + quoted);
 }
 
@@ -111,9 +104,9 @@ void S302::clear()
         return MsgBox(u"请选择要清除数所的类型！"_s);
     const bool went = clearRecords(u"清除基础数据", [&] {
         if (choice == SupplierChoice)
-            deletePartner(u"TA1"_s, u"默认货品来源"_s, code, supplierDocuments);
+            deletePartner(u"TA1"_s, u"默认货品来源"_s, code);
         else if (choice == ConsigneeChoice)
-            deletePartner(u"TA2"_s, u"默认货品去向"_s, code, consigneeDocuments);
+            deletePartner(u"TA2"_s, u"默认货品去向"_s, code);
         else if (choice == GoodsChoice)
             deleteGoods(code);
         // A category is offered and nothing of it removed: its goods would be left without one.

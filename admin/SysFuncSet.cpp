@@ -12,7 +12,8 @@
 
 #include <algorithm>
 #include <array>
-#include <tuple>
+#include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -22,33 +23,57 @@ constexpr int openingBox = 9; // Chk(9) belongs to setting 10
 constexpr QStringView usualDecimals = u"2";
 constexpr double mostDecimals = 8;
 
-constexpr std::array<QStringView, 10> captions{u"禁止超出库存出库(借货功能)",
-                                               u"录入编辑单据时禁止修改实际价格",
-                                               u"禁止动态更新成本价(加权平均)",
-                                               u"禁止单据数量中存在负数",
-                                               u"销售价与成本价同步(销售价=成本价x",
-                                               u"系统只记数量不记价格、金额",
-                                               u"库存数低于安全库存启动系统时自动报警",
-                                               u"库存数高于最高库存启动系统时自动报警",
-                                               u"允许最高权限管理员“001”直接修改库存数",
-                                               u"允许最高权限管理员“001”修改年初余额"};
+/// How a save writes what a box says, if it is all there is to the setting. The way of the first ones is kept, since an
+/// old ledger that lacks their rows shows it.
+enum class Written { Updated, Replaced, ByHand };
 
-/// The switches that are a box and a number, and nothing else.
-struct Switch
+struct SettingBox
 {
-    int id;
-    int* value;
+    int setting;
+    QStringView caption;
+    Written written;
 };
 
-constexpr auto updatedSwitches = std::to_array<Switch>({{0, &gNoOverIssue}, {1, &gNoPriceEdit}, {2, &gNoAvgUpdate}});
-constexpr auto alarmAndStockSwitches = std::to_array<Switch>({{6, &gLowAlarm}, {7, &gHighAlarm}, {8, &gStockEdit001}});
+constexpr auto settingBoxes =
+    std::to_array<SettingBox>({{0, u"禁止超出库存出库(借货功能)", Written::Updated},
+                               {1, u"录入编辑单据时禁止修改实际价格", Written::Updated},
+                               {2, u"禁止动态更新成本价(加权平均)", Written::Updated},
+                               {3, u"禁止单据数量中存在负数", Written::Replaced},
+                               {4, u"销售价与成本价同步(销售价=成本价x", Written::ByHand},
+                               {5, u"系统只记数量不记价格、金额", Written::ByHand},
+                               {6, u"库存数低于安全库存启动系统时自动报警", Written::Replaced},
+                               {7, u"库存数高于最高库存启动系统时自动报警", Written::Replaced},
+                               {8, u"允许最高权限管理员“001”直接修改库存数", Written::Replaced},
+                               {10, u"允许最高权限管理员“001”修改年初余额", Written::ByHand}});
+static_assert(settingBoxes.size() == std::extent_v<decltype(SysFuncSet::Chk)>);
 
-/// All that a save may change.
-auto sessionSettings()
+int& settingOf(int id)
 {
-    return std::tie(gNoOverIssue, gNoPriceEdit, gNoAvgUpdate, gNoNegativeQty, gSalePriceFactor, gWithMoney, gLowAlarm,
-                    gHighAlarm, gStockEdit001, gOpeningEdit001, gPriceDecimals, gPriceFormat);
+    return *std::ranges::find(numberSettings, id, &NumberSetting::id)->value;
 }
+
+/// All that a save may change, as it was before.
+class SettingsBefore
+{
+public:
+    SettingsBefore()
+    {
+        for (const NumberSetting& setting : numberSettings)
+            numbers_.push_back(*setting.value);
+    }
+    void restore() const
+    {
+        for (size_t i = 0; i < numberSettings.size(); ++i)
+            *numberSettings[i].value = numbers_[i];
+        gSalePriceFactor = factor_;
+        gPriceFormat = format_;
+    }
+
+private:
+    std::vector<int> numbers_;
+    double factor_ = gSalePriceFactor;
+    QString format_ = gPriceFormat;
+};
 
 int valueOf(const QCheckBox* box)
 {
@@ -65,13 +90,22 @@ void insertRow(int id, int value)
     gDB.Execute(u"insert into sysinfo (ID,setval) values ("_s + NumText(id) + u',' + NumText(value) + u") "_s);
 }
 
-void replaceRow(const Switch& setting, int value)
+void replaceRow(int id, int value)
 {
-    if (value == *setting.value)
+    deleteRow(id);
+    insertRow(id, value);
+    settingOf(id) = value;
+}
+
+/// A setting that is its box and nothing else.
+void writeBox(const SettingBox& box, int value)
+{
+    if (value == settingOf(box.setting))
         return;
-    deleteRow(setting.id);
-    insertRow(setting.id, value);
-    *setting.value = value;
+    if (box.written == Written::Replaced)
+        return replaceRow(box.setting, value);
+    gDB.Execute(u"update sysinfo set setval="_s + NumText(value) + u" where ID="_s + NumText(box.setting));
+    settingOf(box.setting) = value;
 }
 
 /// What may be the beginning of a number that isn't 0, such as "0." or "-".
@@ -93,8 +127,11 @@ SysFuncSet::SysFuncSet()
 
 void SysFuncSet::build()
 {
-    for (int i = 0; i < int(captions.size()); ++i)
-        Chk[i] = makeCheck(u"Chk"_s, captions[size_t(i)].toString(), i);
+    for (int i = 0; i < int(settingBoxes.size()); ++i) {
+        Chk[i] = makeCheck(u"Chk"_s, settingBoxes[size_t(i)].caption.toString(), i);
+        if (i != SalePriceFactor) // whose field makes its line high enough
+            Chk[i]->setMinimumHeight(style::rowHeight);
+    }
     Txt[SalePriceFactor] = makeEdit(u"Txt"_s, SalePriceFactor, EditKind::Number);
     Txt[SalePriceFactor]->setFixedWidth(80);
     Txt[SalePriceFactor]->setAccessibleName(u"销售价与成本价的比率"_s);
@@ -110,12 +147,18 @@ void SysFuncSet::build()
     for (const int i : {int(SalePriceFactor), int(Decimals)})
         enterMovesOn(Txt[i]);
 
-    const auto group = [this](const QString& title, std::initializer_list<QWidget*> rows) {
+    QList<QWidget*> order;
+    const auto group = [&](const QString& title, std::initializer_list<QWidget*> rows) {
         auto* box = new QGroupBox(title);
         auto* lines = new QVBoxLayout(box);
         lines->setSpacing(style::spacing - 2);
-        for (QWidget* row : rows)
+        for (QWidget* row : rows) {
             lines->addWidget(row, 0, Qt::AlignLeft);
+            const auto parts = QList<QWidget*>{row} + row->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+            for (QWidget* part : parts)
+                if (part->focusPolicy() != Qt::NoFocus)
+                    order += part;
+        }
         content()->addWidget(box);
     };
     const auto line = [](std::initializer_list<QWidget*> parts) {
@@ -133,8 +176,6 @@ void SysFuncSet::build()
     group(u"价格与金额"_s, {Chk[2], factor, Chk[Money], decimals});
     group(u"库存报警"_s, {Chk[6], Chk[7]});
     group(u"最高权限管理员"_s, {Chk[StockEdit], Chk[openingBox]});
-    for (const int id : {0, 1, 2, 3, 5, 6, 7, 8, 9})
-        Chk[id]->setMinimumHeight(style::rowHeight);
 
     Cmd[0] = makeButton(
         u"Cmd"_s, u"确 定"_s, [this] { save(); }, 0, ButtonLook::Primary);
@@ -144,18 +185,17 @@ void SysFuncSet::build()
         button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
     setMinimumWidth(460);
-    const std::array<QWidget*, 14> order{Chk[0], Chk[1], Chk[3], Chk[2], Chk[4], Txt[4], Chk[5],
-                                         Txt[9], Chk[6], Chk[7], Chk[8], Chk[9], Cmd[0], Cmd[1]};
-    for (size_t i = 1; i < order.size(); ++i)
+    order += {Cmd[0], Cmd[1]};
+    for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
 
 void SysFuncSet::load()
 {
-    const std::array<int, 10> values{gNoOverIssue,   gNoPriceEdit, gNoAvgUpdate, gNoNegativeQty, gSalePriceFactor != 0,
-                                     gWithMoney < 1, gLowAlarm,    gHighAlarm,   gStockEdit001,  gOpeningEdit001};
-    for (size_t i = 0; i < values.size(); ++i)
-        Chk[i]->setChecked(values[i] == 1);
+    for (int i = 0; i < int(settingBoxes.size()); ++i)
+        Chk[i]->setChecked(i == SalePriceFactor ? gSalePriceFactor != 0
+                           : i == Money         ? gWithMoney < 1
+                                                : settingOf(settingBoxes[size_t(i)].setting) == 1);
     Txt[SalePriceFactor]->setText(NumText(gSalePriceFactor));
     if (gSalePriceFactor != 0)
         factorBefore_ = Txt[SalePriceFactor]->text();
@@ -242,7 +282,7 @@ void SysFuncSet::decimalsTyped()
 
 void SysFuncSet::save()
 {
-    const auto before = std::apply([](const auto&... each) { return std::tuple(each...); }, sessionSettings());
+    const SettingsBefore before;
     bool saved = true;
     try {
         writeAll();
@@ -251,7 +291,7 @@ void SysFuncSet::save()
         // A failing disk undoes it all, and the session must not go on with settings that the ledger doesn't have. They
         // can't be read anew: such a disk may refuse that too.
         if (!error.details().aftermath.isEmpty())
-            sessionSettings() = before;
+            before.restore();
     }
     if (saved)
         MsgBox(u"您的设置已生效！"_s, QString());
@@ -264,14 +304,12 @@ void SysFuncSet::save()
 void SysFuncSet::writeAll()
 {
     const WriteRun run(gDB);
-    for (const Switch& setting : updatedSwitches) {
-        const int value = valueOf(Chk[setting.id]);
-        if (value == *setting.value)
-            continue;
-        gDB.Execute(u"update sysinfo set setval="_s + NumText(value) + u" where ID="_s + NumText(setting.id));
-        *setting.value = value;
-    }
-    replaceRow({3, &gNoNegativeQty}, valueOf(Chk[3]));
+    const auto writeBoxes = [this](int first, int end) {
+        for (int i = first; i < end; ++i)
+            if (settingBoxes[size_t(i)].written != Written::ByHand)
+                writeBox(settingBoxes[size_t(i)], valueOf(Chk[i]));
+    };
+    writeBoxes(0, SalePriceFactor);
 
     const double factor = singleValue(Val(Txt[SalePriceFactor]->text()));
     if (factor != gSalePriceFactor) {
@@ -283,9 +321,8 @@ void SysFuncSet::writeAll()
 
     const int quantitiesOnly = valueOf(Chk[Money]);
     if (gWithMoney == quantitiesOnly) // the box says the opposite of the setting
-        replaceRow({Money, &gWithMoney}, qAbs(quantitiesOnly - 1));
-    for (const Switch& setting : alarmAndStockSwitches)
-        replaceRow(setting, valueOf(Chk[setting.id]));
+        replaceRow(Money, qAbs(quantitiesOnly - 1));
+    writeBoxes(Money, int(settingBoxes.size()));
 
     if (const int value = valueOf(Chk[openingBox]); value != gOpeningEdit001) {
         deleteRow(OpeningEdit);

@@ -2,6 +2,7 @@
 
 #include "admin/clearing.h"
 #include "admin/sysDBbak.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "ledger/store.h"
 #include "platform/base/clock.h"
@@ -77,9 +78,9 @@ void YearEnd::writeAll()
     gDB.Execute(u"update reginfo set F7="_s + sqlText(firstDay_));
     yearBegun_ = true;
     if (Chk[DocumentsBox]->isChecked()) // lines first: a failure in between leaves heads that can be cleared again
-        for (const QStringView table :
-             {u"TB11", u"TB1", u"TB31", u"TB3", u"TC21", u"TC2", u"TD11", u"TD1", u"TD31", u"TD3"})
-            gDB.Execute(u"delete * from "_s + table);
+        for (const DocumentTables& kind : documentTables)
+            for (const QStringView table : {kind.lines, kind.header})
+                gDB.Execute(u"delete * from "_s + table);
     if (Chk[ReportsBox]->isChecked())
         gDB.Execute(u"DELETE * FROM JXC"_s);
     else // the closed year's reports are told by a negative number

@@ -1,5 +1,6 @@
 #include "admin/ledger_check.h"
 
+#include "ledger/document_tables.h"
 #include "ledger/store.h"
 #include "platform/base/date.h"
 #include "platform/base/number.h"
@@ -15,21 +16,6 @@
 #include <unordered_set>
 
 namespace {
-
-struct BookedKind
-{
-    QStringView header;
-    QStringView lines;
-    QStringView partners; ///< none for the stock-take
-    QStringView name;
-    int direction; ///< of the stock when it is audited
-};
-
-constexpr BookedKind bookedKinds[] = {{u"TB1", u"TB11", u"TA1", u"货品入库单", 1},
-                                      {u"TB3", u"TB31", u"TA1", u"公司退货单", -1},
-                                      {u"TD1", u"TD11", u"TA2", u"货品出库单", -1},
-                                      {u"TD3", u"TD31", u"TA2", u"货品退库单", 1},
-                                      {u"TC2", u"TC21", u"", u"货品盘点单", 1}};
 
 QString shown(std::string_view text)
 {
@@ -81,10 +67,10 @@ private:
     void integrity();
     void readGoods();
     void periods();
-    void kind(const BookedKind& kind);
-    Documents headersOf(const BookedKind& kind);
-    void linesOf(const BookedKind& kind, Documents& documents);
-    void judge(const BookedKind& kind, const Documents& documents);
+    void kind(const DocumentTables& kind);
+    Documents headersOf(const DocumentTables& kind);
+    void linesOf(const DocumentTables& kind, Documents& documents);
+    void judge(const DocumentTables& kind, const Documents& documents);
     void judgeGoods();
 
     LedgerExamination result_;
@@ -140,7 +126,7 @@ void Examination::periods()
     });
 }
 
-void Examination::kind(const BookedKind& kind)
+void Examination::kind(const DocumentTables& kind)
 {
     Documents documents = headersOf(kind);
     linesOf(kind, documents);
@@ -148,7 +134,7 @@ void Examination::kind(const BookedKind& kind)
     result_.documents += qsizetype(documents.size());
 }
 
-Examination::Documents Examination::headersOf(const BookedKind& kind)
+Examination::Documents Examination::headersOf(const DocumentTables& kind)
 {
     const auto partners = kind.partners.isEmpty() ? std::unordered_set<std::string>() : codesOf(kind.partners);
     Documents documents;
@@ -171,9 +157,9 @@ Examination::Documents Examination::headersOf(const BookedKind& kind)
     return documents;
 }
 
-void Examination::linesOf(const BookedKind& kind, Documents& documents)
+void Examination::linesOf(const DocumentTables& kind, Documents& documents)
 {
-    const bool stockTake = kind.partners.isEmpty();
+    const bool stockTake = !kind.movesGoods();
     std::unordered_map<std::string, int> strays;
     const QString columns = stockTake ? u"select F0,F1,F6-F5,F7 from "_s : u"select F0,F1,F6,F7,H8 from "_s;
     gDB.walk(columns + kind.lines, [&](const PassingRow& row) {
@@ -206,7 +192,7 @@ void Examination::linesOf(const BookedKind& kind, Documents& documents)
              u"这些行不影响库存和报表。如需单据，请按原始凭证重新录入。"_s);
 }
 
-void Examination::judge(const BookedKind& kind, const Documents& documents)
+void Examination::judge(const DocumentTables& kind, const Documents& documents)
 {
     for (const auto& [key, document] : documents) {
         const QString where = kind.name.toString() + u' ' + document.number;
@@ -250,7 +236,7 @@ void Examination::judgeGoods()
 
 LedgerExamination Examination::run()
 {
-    BusyProgress progress(u"请稍候，正在检查帐本……"_s, 2 + qint64(std::size(bookedKinds)));
+    BusyProgress progress(u"请稍候，正在检查帐本……"_s, 2 + qint64(std::size(documentTables)));
     const ReadRun oneMoment(gDB); // else an audit of another session between two tables would look like a fault
     integrity();
     progress.advance();
@@ -259,7 +245,7 @@ LedgerExamination Examination::run()
     periods();
     readGoods();
     progress.advance();
-    for (const BookedKind& each : bookedKinds) {
+    for (const DocumentTables& each : documentTables) {
         kind(each);
         progress.advance();
     }

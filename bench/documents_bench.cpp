@@ -13,25 +13,11 @@
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
 #include "tools/faulty_disk.h"
+#include "tools/headless.h"
 
 #include <QLineEdit>
 
 namespace {
-
-/// An operator who says yes. A box that tells a failure ends the program.
-class Agreeing : public DialogHost
-{
-public:
-    Answer show(const Box& box) override
-    {
-        if (box.kind == BoxKind::Error)
-            qFatal("%s", qPrintable(box.text));
-        return box.buttons == BoxButtons::YesNo ? Answer::Yes : Answer::Ok;
-    }
-    std::optional<QString> input(const InputRequest&) override { return {}; }
-    std::optional<QString> chooseFile(const FileRequest&) override { return {}; }
-    void doEvents() override {}
-};
 
 class Session
 {
@@ -263,5 +249,5 @@ BENCHMARK(fillGrid)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 int main(int argc, char* argv[])
 {
-    return runOffscreen(argc, argv, std::make_unique<Agreeing>());
+    return runOffscreen(argc, argv, std::make_unique<headless::Agreeing>());
 }

@@ -1,5 +1,8 @@
 # One flat, movable program folder at the prefix: the program, and beside it the files that it reads.
 # What an operator makes there (ledgers, their list, backups, pictures) has names of its own and is never touched.
+# All that is installed belongs to the target `installed`, which ./run builds.
+add_custom_target(installed)
+add_dependencies(installed hcn play jisuan program_folder manual)
 install(TARGETS hcn play jisuan RUNTIME DESTINATION .)
 install(FILES data/Learn.dat ${CMAKE_BINARY_DIR}/program/demo.hcn ${CMAKE_BINARY_DIR}/program/syspic.dat
               ${CMAKE_BINARY_DIR}/program/zb.ico DESTINATION .)

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "ledger/document_tables.h"
 #include "platform/base/text.h"
 #include "shell/session.h"
 
+#include <algorithm>
 #include <array>
 
 /// The documents are one form class; these rows are all that tells them apart.
@@ -173,3 +175,24 @@ static_assert(
         return true;
     }(),
     "the rows must follow DocumentKind");
+
+/// The comparison of the toolkit isn't for the compiler.
+constexpr bool sameWord(QStringView a, QStringView b)
+{
+    bool same = a.size() == b.size();
+    for (qsizetype i = 0; same && i < a.size(); ++i)
+        same = a[i] == b[i];
+    return same;
+}
+
+static_assert(
+    [] {
+        const auto known = [](const DocumentTraits& row) {
+            for (const DocumentTables& tables : documentTables)
+                if (sameWord(tables.header, row.header) && sameWord(tables.partners, row.partners))
+                    return true;
+            return false;
+        };
+        return std::all_of(documentTraits.begin(), documentTraits.end(), known);
+    }(),
+    "each kind has its tables in ledger/document_tables.h");

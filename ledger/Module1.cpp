@@ -1,5 +1,6 @@
 #include "ledger/Module1.h"
 
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
@@ -12,13 +13,14 @@
 QString clockDoubt()
 {
     std::optional<QDate> newest;
-    for (const char16_t* statement :
-         {u"select top 1 H8 from TB1 order by H8 desc", u"select top 1 H8 from TB3 order by H8 desc",
-          u"select top 1 H8 from TD1 order by H8 desc", u"select top 1 H8 from TD3 order by H8 desc",
-          u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc"})
-        if (const auto day = parseDate(LookupValue(gDB, QString::fromUtf16(statement)));
-            day && (!newest || *day > *newest))
+    const auto meet = [&newest](const QString& statement) {
+        if (const auto day = parseDate(LookupValue(gDB, statement)); day && (!newest || *day > *newest))
             newest = day;
+    };
+    for (const DocumentTables& kind : documentTables)
+        if (kind.movesGoods()) // a stock-take keeps no moment
+            meet(u"select top 1 H8 from %1 order by H8 desc"_s.arg(kind.header));
+    meet(u"select top 1 Edate from jxc where SortNo>0 order by SortNo desc"_s);
     constexpr int yearsOfRest = 2; // a ledger may well lie unused that long
     if (!newest || (Today() >= *newest && Today() < newest->addYears(yearsOfRest)))
         return {};
@@ -146,21 +148,6 @@ void EnsureDefaultRow(const QString& table, const QString& name)
 
 void LoadSettings()
 {
-    struct Setting
-    {
-        int id;
-        int* global;
-    };
-    const auto settings = std::to_array<Setting>({{0, &gNoOverIssue},
-                                                  {1, &gNoPriceEdit},
-                                                  {2, &gNoAvgUpdate},
-                                                  {3, &gNoNegativeQty},
-                                                  {5, &gWithMoney},
-                                                  {6, &gLowAlarm},
-                                                  {7, &gHighAlarm},
-                                                  {8, &gStockEdit001},
-                                                  {9, &gPriceDecimals},
-                                                  {10, &gOpeningEdit001}});
     constexpr int salePriceFactorId = 4; // the one that is kept as text
 
     Recordset rows = gDB.OpenRecordset(u"select ID,setval,Setstr from sysinfo order by ID"_s);
@@ -168,9 +155,9 @@ void LoadSettings()
         const int id = int(rows.Fields(0).number());
         if (id == salePriceFactorId)
             gSalePriceFactor = singleValue(rows.Fields(2).number());
-        for (const Setting& setting : settings)
+        for (const NumberSetting& setting : numberSettings)
             if (setting.id == id)
-                *setting.global = int(rows.Fields(1).number());
+                *setting.value = int(rows.Fields(1).number());
     }
     gPriceDecimals = qMax(gPriceDecimals, 0);
     gPriceFormat = PriceMask(gPriceDecimals);

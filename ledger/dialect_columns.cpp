@@ -1,8 +1,10 @@
 #include "ledger/dialect_columns.h"
 
+#include "ledger/document_tables.h"
 #include "platform/base/text.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace dialect {
 
@@ -11,21 +13,25 @@ namespace {
 struct DateColumns
 {
     QStringView table;
-    std::initializer_list<QStringView> columns;
+    std::array<QStringView, 2> columns;
     bool dayIndex; ///< on the first of them
 };
-const DateColumns dateColumns[] = {
-    {u"TB1", {u"F2", u"H8"}, true},    {u"TB3", {u"F2", u"H8"}, true},        {u"TD1", {u"F2", u"H8"}, true},
-    {u"TD3", {u"F2", u"H8"}, true},    {u"TC2", {u"F2", u"H8"}, true},        {u"TB11", {u"F2", u"H8"}, false},
-    {u"TB31", {u"F2", u"H8"}, false},  {u"TD11", {u"F2", u"H8"}, false},      {u"TD31", {u"F2", u"H8"}, false},
-    {u"TC15", {u"F2", u"F18"}, false}, {u"jxc", {u"Bdate", u"Edate"}, false},
-};
+
+std::vector<DateColumns> allDateColumns()
+{
+    std::vector<DateColumns> all{{u"TC15", {u"F2", u"F18"}, false}, {u"jxc", {u"Bdate", u"Edate"}, false}};
+    for (const DocumentTables& document : documentTables) {
+        all.push_back({document.header, {u"F2", u"H8"}, true});
+        all.push_back({document.lines, {u"F2", u"H8"}, false});
+    }
+    return all;
+}
 
 const DateColumns* findDateColumns(QStringView table)
 {
-    const auto row = std::find_if(std::begin(dateColumns), std::end(dateColumns),
-                                  [table](const DateColumns& row) { return sameText(row.table, table); });
-    return row == std::end(dateColumns) ? nullptr : row;
+    static const std::vector<DateColumns> dateColumns = allDateColumns();
+    const auto row = std::ranges::find_if(dateColumns, [table](const auto& row) { return sameText(row.table, table); });
+    return row == dateColumns.end() ? nullptr : &*row;
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "ledger/dialect.h"
 
+#include <utility>
+
 namespace dialect {
 
 enum class TokenKind { End, Word, Bracketed, Symbol, Text, Integer, Number };
@@ -34,7 +36,7 @@ public:
     Token next();
     QStringView textOf(const Token& token) const { return text_.sliced(token.at, token.length); }
     /// The value of the literal that `next` gave last; to be taken once.
-    Literal takeLiteral() { return std::move(literal_); }
+    Literal takeLiteral() { return std::exchange(literal_, {}); }
 
 private:
     Token text();

@@ -243,6 +243,11 @@ const Value& Recordset::Fields(QStringView name) const
     return rows_->field(rows_->find(name));
 }
 
+Value Recordset::valueAt(qsizetype row, qsizetype index) const
+{
+    return rows_->arena.value(row, index + rows_->hidden());
+}
+
 bool Recordset::NoMatch() const
 {
     return rows_->noMatch;

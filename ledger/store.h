@@ -42,6 +42,8 @@ public:
     /// @throws StoreError when there is no current row or no such field
     const Value& Fields(qsizetype index) const;
     const Value& Fields(QStringView name) const;
+    /// The field of any row of a snapshot, for who goes through the rows in an order of his own; the current row stays.
+    Value valueAt(qsizetype row, qsizetype index) const;
 
     /// Makes the first row that meets the criterion ("F1='...'", built with `sqlText`) current, else sets NoMatch.
     void FindFirst(const QString& criterion);

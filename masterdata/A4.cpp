@@ -1,6 +1,7 @@
 #include "masterdata/A4.h"
 
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "platform/widgets/picture.h"
@@ -53,6 +54,16 @@ void shareThePlace(QGridLayout* layout, QWidget* there, QWidget* other)
     other->setAccessibleName(there->accessibleName());
 }
 
+/// A saved report and the documents hold a code; a stock-take doesn't.
+QStringList goodsUseTests()
+{
+    QStringList tests{u"select hpbm from jxc where hpbm="_s};
+    for (const DocumentTables& kind : documentTables)
+        if (kind.movesGoods())
+            tests += u"select F1 from %1 where F1="_s.arg(kind.lines);
+    return tests;
+}
+
 } // namespace
 
 QString compositeKey(const QString& category, const QString& code)
@@ -69,15 +80,8 @@ QString compositeKey(const QString& category, const QString& code)
 }
 
 A4::A4()
-    : RecordForm({formName(),
-                  u"货品编码"_s,
-                  u"货品列表"_s,
-                  u"货品明细"_s,
-                  u"TA4"_s,
-                  OperatorRight::Base,
-                  {u"select hpbm from jxc where hpbm="_s, u"select F1 from TB11 where F1="_s,
-                   u"select F1 from TB31 where F1="_s, u"select F1 from TD11 where F1="_s,
-                   u"select F1 from TD31 where F1="_s}})
+    : RecordForm(
+          {formName(), u"货品编码"_s, u"货品列表"_s, u"货品明细"_s, u"TA4"_s, OperatorRight::Base, goodsUseTests()})
 {
     addEditCommands();
     addListCommands();

@@ -1,6 +1,7 @@
 #include "masterdata/code_table_form.h"
 
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "reports/printing.h"
@@ -12,9 +13,11 @@ namespace {
 RecordTable recordTableOf(const CodeTableTraits& kind)
 {
     QStringList tests;
-    for (const QStringView test : kind.useTests)
-        if (!test.isEmpty())
-            tests += test.toString();
+    for (const DocumentTables& documents : documentTables)
+        if (documents.partners == kind.table)
+            tests += u"select F3 from %1 where F3="_s.arg(documents.header);
+    if (tests.isEmpty())
+        tests += u"select F3 from TA4 where F3="_s;
     return {kind.form.toString(),
             kind.caption.toString(),
             kind.word + u"列表"_s,

@@ -37,7 +37,6 @@ struct CodeTableTraits
     QStringView table;
     QStringView list;                       ///< statement of the list
     std::span<const CodeTableField> fields; ///< columns F1, F2, ... of the table
-    std::array<QStringView, 2> useTests;    ///< an empty one is none
     QStringView lastOne;                    ///< why the last record must stay
     QStringView report;
     QStringView tested;  ///< the file whose presence is asked for
@@ -50,14 +49,11 @@ inline constexpr auto codeTableTraits = [] {
     using enum CodeTableKind;
     return std::to_array<CodeTableTraits>({
     {A1, u"A1", u"供货单位资料", u"供货单位", u"TA1", u"select * from ta1 order by F1", partnerFields,
-     {u"select F3 from TB1 where F3=", u"select F3 from TB3 where F3="}, u"系统中必须保留至少一条供货单位记录！",
-     u"Prnta12.rpt", u"prnta12.rpt", u"prnta12.rpt", u"供货单位列表"},
+     u"系统中必须保留至少一条供货单位记录！", u"Prnta12.rpt", u"prnta12.rpt", u"prnta12.rpt", u"供货单位列表"},
     {A2, u"A2", u"出货单位资料", u"出货单位", u"TA2", u"select * from TA2 order by F1", partnerFields,
-     {u"select F3 from TD1 where F3=", u"select F3 from TD3 where F3="}, u"系统中必须保留至少一条出货单位记录！",
-     u"Prnta12.rpt", u"prnta12.rpt", u"prnta12.rpt", u"出货单位列表"},
+     u"系统中必须保留至少一条出货单位记录！", u"Prnta12.rpt", u"prnta12.rpt", u"prnta12.rpt", u"出货单位列表"},
     {A3, u"A3", u"货品类别资料", u"货品类别", u"TA3", u"select * from TA3 order by F1", categoryFields,
-     {u"select F3 from TA4 where F3=", u""}, u"系统中必须保留至少一种货品类别！",
-     u"PrnTA3.rpt", u"prnTA3.rpt", u"prnTA32.rpt", u"货品类别编码表"}, // tells of a file that there never was
+     u"系统中必须保留至少一种货品类别！", u"PrnTA3.rpt", u"prnTA3.rpt", u"prnTA32.rpt", u"货品类别编码表"}, // tells of a file that there never was
     });
 }();
 // clang-format on

@@ -8,6 +8,7 @@
 #include "reports/grid_rows.h"
 #include "reports/printing.h"
 #include "reports/quantity_report.h"
+#include "reports/statistics_mode.h"
 
 namespace {
 
@@ -19,20 +20,19 @@ Listing quantityListing(const std::optional<FlowChoice>& choice, C18::Price pric
     const auto quantity = [](const QString& caption) {
         return ListColumn{caption, 96, {}, ListContent::Quantity, true};
     };
+    QList<ListColumn> columns{{u"货品编码"_s, 130, {}},
+                              {u"货品名称/规格"_s, 260, {}},
+                              {u"货品价格"_s, 96, price == C18::Price::Cost ? u"F7"_s : u"F71"_s, ListContent::Money},
+                              {u"计量单位"_s, 76, {}},
+                              quantity(u"上期结存"_s)};
+    for (const StatisticsTraits& kind : statisticsTraits)
+        columns += quantity(u"本期"_s + kind.word);
+    columns += quantity(u"本期结存"_s);
     return {.caption = u"货品进出存统计报表"_s,
             .statusName = u"货品进出存报表"_s,
             .totalCaption = u"合计："_s,
             .right = OperatorRight::Cost,
-            .columns = {{u"货品编码"_s, 130, {}},
-                        {u"货品名称/规格"_s, 260, {}},
-                        {u"货品价格"_s, 96, price == C18::Price::Cost ? u"F7"_s : u"F71"_s, ListContent::Money},
-                        {u"计量单位"_s, 76, {}},
-                        quantity(u"上期结存"_s),
-                        quantity(u"本期入库"_s),
-                        quantity(u"本期退货"_s),
-                        quantity(u"本期出库"_s),
-                        quantity(u"本期退库"_s),
-                        quantity(u"本期结存"_s)},
+            .columns = columns,
             .from = {},
             .condition = {},
             .filter = {},
@@ -97,8 +97,13 @@ void C18::Menu_print()
 {
     if (!requireRecords(u"没有数据可打印！"_s) || !requireReportFile(u"pjxc01.rpt"_s, u"报表文件pjxc01.rpt丢失！"_s))
         return;
-    stageRows(u"plist"_s, u"F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10"_s,
-              numberedRows(gridRows(*GD, count(), {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}), u"#0000"));
+    QString names = u"F0"_s;
+    QList<int> columns;
+    for (int i = 0; i < GD->Cols(); ++i) {
+        names += u",F%1"_s.arg(i + 1);
+        columns += i;
+    }
+    stageRows(u"plist"_s, names, numberedRows(gridRows(*GD, count(), columns), u"#0000"));
     QStringList formulas{formula(u"RQ", u"报表周期："_s + shown_->from + u"至"_s + shown_->to),
                          formula(u"LB", u"货品类别："_s + shown_->categoryWords), formula(u"cpt", Caption())};
     for (int i = 0; i < GD->Cols() - firstReportQuantity; ++i)

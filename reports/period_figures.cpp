@@ -1,6 +1,7 @@
 #include "reports/period_figures.h"
 
 #include "ledger/Module1.h"
+#include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/date.h"
 #include "shell/session.h"
@@ -12,182 +13,38 @@
 
 namespace {
 
-struct MovingDocument
-{
-    QString header;
-    QString lines;
-    MovedSum MovedGoods::*side;
-};
-
-/// In the order in which their sums are added up.
-const std::array<MovingDocument, 4> movingDocuments = {{{u"TB1"_s, u"TB11"_s, &MovedGoods::in},
-                                                        {u"TD3"_s, u"TD31"_s, &MovedGoods::in},
-                                                        {u"TD1"_s, u"TD11"_s, &MovedGoods::out},
-                                                        {u"TB3"_s, u"TB31"_s, &MovedGoods::out}}};
-
-QString withinDays(const QString& header, const QString& from, const QString& to)
+QString withinDays(QStringView header, const QString& from, const QString& to)
 {
     return u"  datediff('d',"_s + sqlText(from) + u',' + header + u".F2 ) >= 0  And datediff('d',"_s + sqlText(to) +
            u',' + header + u".F2 ) <= 0  "_s;
 }
 
-QString auditedWithin(const QString& header, const QString& from, const QString& to)
+QString auditedWithin(QStringView header, const QString& from, const QString& to)
 {
     return header + u".F6 IS NOT NULL and "_s + header + u".F6<>'' AND "_s + withinDays(header, from, to);
 }
 
-void foldCode(std::string_view code, std::string& into)
-{
-    into.assign(code);
-    for (char& c : into)
-        if (c >= 'A' && c <= 'Z')
-            c = char(c - 'A' + 'a');
-}
-
-/// Adds up lines that come sorted by goods, document number, quantity and price, as one statement for each goods item
-/// would meet them.
-class LineSums
-{
-public:
-    LineSums(MovedByGoods& moved, MovedSum MovedGoods::*side)
-        : moved_(moved)
-        , side_(side)
-    {}
-    ~LineSums() { close(); }
-    LineSums(const LineSums&) = delete;
-    LineSums& operator=(const LineSums&) = delete;
-
-    /// Columns of the row: goods, document number, quantity, price. The line counts once for each document of its
-    /// number.
-    void add(const PassingRow& line, int documents)
-    {
-        if (line.isNull(0))
-            return; // belongs to no goods
-        foldCode(line.text(0), folded_);
-        if (!open_ || folded_ != code_) {
-            close();
-            code_ = folded_;
-            open_ = true;
-        }
-        if (line.isNull(2))
-            return;
-        const double quantity = line.number(2);
-        const double amount = line.isNull(3) ? 0 : quantity * line.number(3);
-        for (int i = 0; i < documents; ++i) {
-            sum_.quantity += quantity;
-            sum_.amount += amount;
-        }
-    }
-
-private:
-    void close()
-    {
-        if (!std::exchange(open_, false))
-            return;
-        MovedSum& total = moved_[code_].*side_;
-        total.quantity += sum_.quantity;
-        total.amount += sum_.amount;
-        sum_ = {};
-    }
-
-    MovedByGoods& moved_;
-    MovedSum MovedGoods::*side_;
-    std::string code_;
-    std::string folded_;
-    bool open_ = false;
-    MovedSum sum_;
-};
-
-QString linesOf(const MovingDocument& kind)
-{
-    return u"select %1.F1,%1.F0,%1.F6,%1.F7 from %1"_s.arg(kind.lines);
-}
-
-QString inSumOrder(const MovingDocument& kind)
-{
-    return u" order by %1.F1,%1.F0,%1.F6,%1.F7"_s.arg(kind.lines);
-}
-
-void addByDocument(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to)
-{
-    LineSums sums(moved, kind.side);
-    gDB.walk(linesOf(kind) + u" left join %1 on %1.F1=%2.F0 where "_s.arg(kind.header, kind.lines) +
-                 auditedWithin(kind.header, from, to) + inSumOrder(kind),
-             [&](const PassingRow& line) { sums.add(line, 1); });
-}
-
-void addByLine(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to)
-{
-    std::unordered_map<std::string, int, CodeHash, std::equal_to<>> documents; // no number need be unique
-    std::string number;
-    gDB.walk(u"select F1 from %1 where "_s.arg(kind.header) + auditedWithin(kind.header, from, to),
-             [&](const PassingRow& row) {
-                 foldCode(row.text(0), number);
-                 ++documents[number];
-             });
-    if (documents.empty())
-        return;
-    LineSums sums(moved, kind.side);
-    gDB.walk(linesOf(kind) + inSumOrder(kind), [&](const PassingRow& line) {
-        if (line.isNull(1))
-            return;
-        foldCode(line.text(1), number);
-        if (const auto found = documents.find(number); found != documents.end())
-            sums.add(line, found->second);
-    });
-}
-
-double documentCount(const QString& statement)
-{
-    return gDB.OpenRecordset(statement).Fields(0).number();
-}
-
-/// A tenth of all documents is about where a look at every line begins to be cheaper than the search for the lines of
-/// each document.
-MovedPlan planFor(const MovingDocument& kind, const QString& from, const QString& to)
-{
-    const double all = documentCount(u"select count(*) from "_s + kind.header);
-    const double within =
-        documentCount(u"select count(*) from %1 where "_s.arg(kind.header) + withinDays(kind.header, from, to));
-    return 10 * within > all ? MovedPlan::ByLine : MovedPlan::ByDocument;
-}
-
-void addMoved(MovedByGoods& moved, const MovingDocument& kind, const QString& from, const QString& to, MovedPlan plan)
-{
-    if (plan == MovedPlan::ByLine)
-        addByLine(moved, kind, from, to);
-    else
-        addByDocument(moved, kind, from, to);
-}
-
 } // namespace
 
-std::string foldedCode(const QString& code)
-{
-    std::string folded;
-    const QByteArray text = code.toUtf8();
-    foldCode(std::string_view(text.constData(), size_t(text.size())), folded);
-    return folded;
-}
-
-MovedByGoods movedBetween(const QString& from, const QString& to)
+MovedByGoods movedBetween(const QString& from, const QString& to, std::optional<SumPlan> plan)
 {
     MovedByGoods moved;
-    for (const MovingDocument& kind : movingDocuments)
-        addMoved(moved, kind, from, to, planFor(kind, from, to));
+    for (const DocumentTables& kind : documentTables) {
+        if (!kind.movesGoods())
+            continue;
+        const auto side = kind.direction > 0 ? &MovedGoods::in : &MovedGoods::out;
+        sumLines(kind.header, auditedWithin(kind.header, from, to),
+                 plan ? *plan : planFor(kind.header, withinDays(kind.header, from, to)),
+                 [&](const std::string& code, const MovedSum& sum) {
+                     MovedSum& total = moved[code].*side;
+                     total.quantity += sum.quantity;
+                     total.amount += sum.amount;
+                 });
+    }
     return moved;
 }
 
-MovedByGoods movedBetween(const QString& from, const QString& to, MovedPlan plan)
-{
-    MovedByGoods moved;
-    for (const MovingDocument& kind : movingDocuments)
-        addMoved(moved, kind, from, to, plan);
-    return moved;
-}
-
-// The report
-// -----------------------------------------------------------------------------------------------------------
+// The report ----------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -324,7 +181,7 @@ public:
     }
 
 private:
-    std::unordered_map<std::string, Carried, CodeHash, std::equal_to<>> newest_;
+    ByGoods<Carried> newest_;
     bool anySaved_ = false;
 };
 

@@ -1,22 +1,14 @@
 #pragma once
 
-#include "platform/base/text.h"
+#include "reports/line_sums.h"
 
 #include <QStringList>
 
 #include <array>
 #include <functional>
-#include <string>
-#include <string_view>
-#include <unordered_map>
+#include <optional>
 
 /// The figures of the comprehensive period report: what moved, and the rows that are made of it. No window is needed.
-
-struct MovedSum
-{
-    double quantity = 0;
-    double amount = 0;
-};
 
 struct MovedGoods
 {
@@ -24,29 +16,12 @@ struct MovedGoods
     MovedSum out; ///< outbound and returned to suppliers
 };
 
-struct CodeHash
-{
-    using is_transparent = void;
-    size_t operator()(std::string_view code) const { return std::hash<std::string_view>()(code); }
-};
+using MovedByGoods = ByGoods<MovedGoods>;
 
-/// By goods code in UTF-8 as `foldedCode` makes it.
-using MovedByGoods = std::unordered_map<std::string, MovedGoods, CodeHash, std::equal_to<>>;
-
-/// A code as the ledger compares it, without regard to ASCII case.
-std::string foldedCode(const QString& code);
-
-/// What the audited documents dated within the days `from` and `to` moved. The sums are, to the last bit, those that
-/// one statement for each goods item gives: the lines of a goods item are added in the order of its index, by document
-/// number, quantity and price. In any other order the last bits of a sum would differ, and with them the test whether a
-/// goods item moved at all.
+/// What the audited documents dated within the days `from` and `to` moved.
+/// @param plan  for tests; else what is faster is taken
 /// @throws StoreError, also when a document's date is none
-MovedByGoods movedBetween(const QString& from, const QString& to);
-
-/// How documents and lines are brought together: from the documents of the days, or from all lines. `movedBetween`
-/// takes what is faster for its range; the sums are the same.
-enum class MovedPlan { ByDocument, ByLine };
-MovedByGoods movedBetween(const QString& from, const QString& to, MovedPlan plan);
+MovedByGoods movedBetween(const QString& from, const QString& to, std::optional<SumPlan> plan = {});
 
 /// Of what the closing amount of a goods item is made.
 enum class ClosingMethod { Cost, Period, Cumulative };

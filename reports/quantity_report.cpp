@@ -4,113 +4,59 @@
 #include "ledger/literal.h"
 #include "platform/base/status.h"
 #include "platform/base/text.h"
+#include "reports/line_sums.h"
 #include "reports/statistics_mode.h"
 #include "shell/session.h"
 
-#include <QHash>
-
 #include <array>
-#include <cmath>
+#include <numeric>
 #include <vector>
 
 namespace {
 
-/// A code as its comparisons see it: without regard to ASCII case.
-QString sumKey(QString code)
+/// Quantities that one kind of document moved, by goods.
+using Quantities = ByGoods<double>;
+
+/// Only the auditor's Null tells a draft here; an empty auditor counts as audited.
+Quantities quantitiesOf(QStringView header, const QString& dayTest)
 {
-    for (QChar& c : code)
-        if (c >= u'A' && c <= u'Z')
-            c = QChar(c.unicode() + 0x20);
-    return code;
+    Quantities found;
+    sumLines(header, header + u".F6 IS NOT NULL AND  "_s + dayTest, planFor(header, dayTest),
+             [&found](const std::string& code, const MovedSum& sum) { found.emplace(code, sum.quantity); });
+    return found;
 }
 
-/// Which days a sum is about.
-struct SumDays
-{
-    QString from; ///< "" for the days after `to`
-    QString to;
-
-    QString test(const QString& header) const
-    {
-        const auto until = u" datediff('d',"_s + sqlText(to) + u',' + header + u".F2 ) "_s;
-        return from.isEmpty()
-                   ? until + u"> 0  "_s
-                   : u" datediff('d',"_s + sqlText(from) + u',' + header + u".F2 ) >= 0  And"_s + until + u"<= 0  "_s;
-    }
-    /// The same test, written so that the day index doesn't answer it.
-    QString slowTest(const QString& header) const
-    {
-        const auto until = u" datediff('d',"_s + sqlText(to) + u',' + header + u".F2 ) "_s;
-        return from.isEmpty() ? u" 0 <"_s + until
-                              : u" 0 <= datediff('d',"_s + sqlText(from) + u',' + header + u".F2 )  And 0 >="_s + until;
-    }
-};
-
-/// The quantities that one kind of document moved on some days, by goods.
-class QuantitySums
-{
-public:
-    QuantitySums(const StatisticsTraits& kind, const SumDays& days)
-        : header_(kind.header.toString())
-        , days_(days)
-        , goodsOrder_(overMuch())
-    {
-        Recordset rows = gDB.OpenRecordset(
-            statement(header_ + u"1.F1,"_s, goodsOrder_ ? days_.slowTest(header_) : days_.test(header_), QString()));
-        for (; !rows.isEOF(); rows.MoveNext())
-            if (!rows.Fields(0).isNull())
-                sums_.insert(sumKey(rows.Fields(0).text()), rows.Fields(1).number());
-    }
-
-    double of(const QString& key) const { return sums_.value(key); }
-
-    /// The sum as a statement of that goods' own adds it up. Doubles don't add up to the same last digit in every
-    /// order, and beside the day index the grouped statement adds a document's day before its number.
-    double exactly(const QString& key, const QString& code) const
-    {
-        if (goodsOrder_ || !sums_.contains(key))
-            return of(key);
-        Recordset row =
-            gDB.OpenRecordset(statement({}, days_.test(header_), u" AND "_s + header_ + u"1.F1="_s + sqlText(code)));
-        return row.isEOF() ? 0 : row.Fields(0).number();
-    }
-
-private:
-    /// So many documents that it is quicker to go through all lines as they lie in the index of goods than to look the
-    /// documents' lines up and sort them.
-    bool overMuch() const
-    {
-        const auto count = [this](const QString& condition) {
-            return gDB.OpenRecordset(u"select count(*) from "_s + header_ + condition).Fields(0).number();
-        };
-        return 2 * count(u" where"_s + days_.test(header_)) > count({});
-    }
-
-    /// Only the auditor's Null tells a draft here; an empty auditor counts as audited.
-    QString statement(const QString& fields, const QString& days, const QString& goods) const
-    {
-        const QString lines = header_ + u'1';
-        return u" SELECT "_s + fields + u"SUM("_s + lines + u".F6) AS SSL FROM "_s + lines + u" LEFT JOIN "_s +
-               header_ + u" ON "_s + header_ + u".F1="_s + lines + u".F0 WHERE "_s + header_ +
-               u".F6 IS NOT NULL AND  "_s + days + goods + u" GROUP BY "_s + lines + u".F1"_s;
-    }
-
-    QString header_;
-    SumDays days_;
-    bool goodsOrder_;
-    QHash<QString, double> sums_;
-};
-
-/// The eight sums of one goods, in the order of the documents' kinds.
+/// The sums of one goods, in the order of the documents' kinds. That in which they are added is fixed: a difference is
+/// told by its last digit.
 struct Moved
 {
-    std::array<double, statisticsTraits.size()> inPeriod;
-    std::array<double, statisticsTraits.size()> later;
+    static constexpr size_t kinds = statisticsTraits.size();
+    std::array<double, kinds> inPeriod;
+    std::array<double, kinds> later;
 
-    double closing(double stock) const { return stock - later[0] + later[1] + later[2] - later[3]; }
-    double opening(double closing) const { return closing - inPeriod[0] - inPeriod[3] + inPeriod[2] + inPeriod[1]; }
+    /// Back from the stock of today to the last day.
+    double closing(double stock) const
+    {
+        for (size_t i = 0; i < kinds; ++i)
+            stock += goesIn(i) ? -later[i] : later[i];
+        return stock;
+    }
+    /// Back from the last day to the first: what came in, then what went out, the newest kind first.
+    double opening(double closing) const
+    {
+        for (size_t i = 0; i < kinds; ++i)
+            if (goesIn(i))
+                closing -= inPeriod[i];
+        for (size_t i = kinds; i-- > 0;)
+            if (!goesIn(i))
+                closing += inPeriod[i];
+        return closing;
+    }
     /// What decides whether the goods has a row.
-    double weight(double closing) const { return closing + inPeriod[0] + inPeriod[1] + inPeriod[2] + inPeriod[3]; }
+    double weight(double closing) const { return std::accumulate(inPeriod.begin(), inPeriod.end(), closing); }
+
+private:
+    static bool goesIn(size_t kind) { return statisticsTraits[kind].direction == Direction::In; }
 };
 
 class AllSums
@@ -119,41 +65,36 @@ public:
     AllSums(const QuantityQuestion& question, BusyProgress& progress)
     {
         for (const StatisticsTraits& kind : statisticsTraits) {
-            inPeriod_.emplace_back(kind, SumDays{question.from, question.to});
+            const auto until = u" datediff('d',"_s + sqlText(question.to) + u',' + kind.header + u".F2 ) "_s;
+            inPeriod_.push_back(quantitiesOf(kind.header, u" datediff('d',"_s + sqlText(question.from) + u',' +
+                                                              kind.header + u".F2 ) >= 0  And"_s + until +
+                                                              u"<= 0  "_s));
             progress.advance();
-            later_.emplace_back(kind, SumDays{{}, question.to});
+            later_.push_back(quantitiesOf(kind.header, until + u"> 0  "_s));
             progress.advance();
         }
     }
 
-    /// Whether a sum is 0 to the last digit decides about a row. Where it hangs on the last digits the sums are added
-    /// up as the goods' own statements do; elsewhere these digits never show.
-    Moved of(const QString& code, double stock) const
+    Moved of(const QString& code) const
     {
-        constexpr double digits = 1e-6;
-        const QString key = sumKey(code);
-        Moved moved = gathered([&](const QuantitySums& sums) { return sums.of(key); });
-        if (std::abs(moved.weight(moved.closing(stock))) < digits)
-            moved = gathered([&](const QuantitySums& sums) { return sums.exactly(key, code); });
-        return moved;
-    }
-
-    static constexpr int statements = 2 * int(statisticsTraits.size());
-
-private:
-    template <typename SumOf>
-    Moved gathered(const SumOf& sumOf) const
-    {
+        const std::string key = foldedCode(code);
+        const auto sumOf = [&key](const Quantities& sums) {
+            const auto found = sums.find(key);
+            return found == sums.end() ? 0 : found->second;
+        };
         Moved moved{};
-        for (size_t i = 0; i < statisticsTraits.size(); ++i) {
+        for (size_t i = 0; i < Moved::kinds; ++i) {
             moved.inPeriod[i] = sumOf(inPeriod_[i]);
             moved.later[i] = sumOf(later_[i]);
         }
         return moved;
     }
 
-    std::vector<QuantitySums> inPeriod_;
-    std::vector<QuantitySums> later_;
+    static constexpr int statements = 2 * int(Moved::kinds);
+
+private:
+    std::vector<Quantities> inPeriod_;
+    std::vector<Quantities> later_;
 };
 
 } // namespace
@@ -174,20 +115,15 @@ QList<QList<Value>> quantityReport(const QuantityQuestion& question)
         double stock = goods.Fields(4).number();
         if (plainText(stock).contains(u'E'))
             stock = Val(Format(stock, u"#0.000"));
-        const Moved moved = sums.of(code, stock);
+        const Moved moved = sums.of(code);
         const double closing = moved.closing(stock);
         if (moved.weight(closing) == 0)
             continue;
-        rows += {code,
-                 goods.Fields(1).text(),
-                 goods.Fields(2).number(),
-                 goods.Fields(3).text(),
-                 moved.opening(closing),
-                 moved.inPeriod[0],
-                 moved.inPeriod[1],
-                 moved.inPeriod[2],
-                 moved.inPeriod[3],
-                 closing};
+        QList<Value> row{code, goods.Fields(1).text(), goods.Fields(2).number(), goods.Fields(3).text(),
+                         moved.opening(closing)};
+        row.append(QList<Value>(moved.inPeriod.begin(), moved.inPeriod.end()));
+        row += closing;
+        rows += std::move(row);
     }
     return rows;
 }

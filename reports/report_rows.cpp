@@ -1,6 +1,5 @@
 #include "reports/report_rows.h"
 
-#include "ledger/engine.h"
 #include "ledger/literal.h"
 #include "ledger/store.h"
 #include "shell/session.h"
@@ -13,15 +12,21 @@ constexpr QStringView selectionPlace = u"{selection}";
 class LedgerRows : public RowSource
 {
 public:
-    explicit LedgerRows(RowArena rows)
+    explicit LedgerRows(Recordset rows)
         : rows_(std::move(rows))
     {}
-    QStringList columns() const override { return rows_.columns; }
-    qsizetype rowCount() const override { return rows_.rowCount(); }
-    Value value(qsizetype row, int column) const override { return rows_.value(row, column); }
+    QStringList columns() const override
+    {
+        QStringList names;
+        for (qsizetype i = 0; i < rows_.fieldCount(); ++i)
+            names += rows_.fieldName(i);
+        return names;
+    }
+    qsizetype rowCount() const override { return rows_.RecordCount(); }
+    Value value(qsizetype row, int column) const override { return rows_.valueAt(row, column); }
 
 private:
-    RowArena rows_;
+    Recordset rows_;
 };
 
 /// The operator's text is a literal in it, the names were checked when the formula was taken apart.
@@ -57,7 +62,7 @@ ReportControl::Rows readReportRows(const QString& dataFile, const ReportLayout& 
         return LayoutFault{layout.file, layout.source.line, u"语句里没有 %1"_s.arg(selectionPlace)};
     Database ledger = DBEngine::OpenDatabase(dataFile, ledgerConnect.toString());
     try {
-        return std::make_shared<LedgerRows>(ledger.connection().select(*statement));
+        return std::make_shared<LedgerRows>(ledger.OpenRecordset(*statement));
     } catch (const StoreError& failure) {
         // A statement that doesn't fit the ledger is the layout's fault; anything else is the ledger's own trouble.
         if (failure.kind() != StoreError::Kind::Statement)

@@ -64,7 +64,7 @@ struct MenuRow
     QStringView caption;
     ItemKind kind;
     std::optional<OperatorRight> gate;
-    void (*run)() = nullptr; ///< none: the form comes with a later version, or the item has no command
+    void (*run)() = nullptr; ///< none: a menu, a separator, or a hidden item that never had a command
 };
 
 void startCalculator(bool tellWhenMissing)
@@ -317,9 +317,6 @@ void MForm::buildMenu()
                         gateOpen(row) && items_.value(parentName)->isEnabled())
                         runCommand(row.run);
                 });
-            } else {
-                action->setEnabled(false);
-                action->setToolTip(u"尚未提供"_s);
             }
         }
         action->setObjectName(name);

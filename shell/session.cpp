@@ -69,11 +69,8 @@ void resetSession()
         text->clear();
     gCanSeeCost = false;
     gRights.reset();
-    for (int* setting : {&gNoOverIssue, &gNoPriceEdit, &gNoAvgUpdate, &gNoNegativeQty, &gLowAlarm, &gHighAlarm,
-                         &gStockEdit001, &gOpeningEdit001})
-        *setting = 0;
+    for (const NumberSetting& setting : numberSettings)
+        *setting.value = setting.preset;
     gSalePriceFactor = 0;
-    gWithMoney = 1;
-    gPriceDecimals = 2;
     gPriceFormat = PriceMask(gPriceDecimals);
 }

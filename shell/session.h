@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <array>
 #include <bitset>
 
 /// The session globals: plain data, read by everybody, written only where it is said.
@@ -36,6 +37,25 @@ extern int gStockEdit001;
 extern int gPriceDecimals;
 extern int gOpeningEdit001;
 extern QString gPriceFormat; ///< mask made of gPriceDecimals
+
+/// A setting that is one number in `sysinfo`.
+struct NumberSetting
+{
+    int id;
+    int* value;
+    int preset; ///< before any ledger is read
+};
+/// All but number 4, the factor, which is kept as text.
+inline constexpr auto numberSettings = std::to_array<NumberSetting>({{0, &gNoOverIssue, 0},
+                                                                     {1, &gNoPriceEdit, 0},
+                                                                     {2, &gNoAvgUpdate, 0},
+                                                                     {3, &gNoNegativeQty, 0},
+                                                                     {5, &gWithMoney, 1},
+                                                                     {6, &gLowAlarm, 0},
+                                                                     {7, &gHighAlarm, 0},
+                                                                     {8, &gStockEdit001, 0},
+                                                                     {9, &gPriceDecimals, 2},
+                                                                     {10, &gOpeningEdit001, 0}});
 
 inline constexpr int gOutboundFlagA = 1; ///< on: saving `D1` adds an unknown consignee
 inline constexpr int gOutboundFlagB = 0; ///< off: `D1` prints scheme two on the compact form, not on the ten-row one

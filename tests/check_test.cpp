@@ -3,24 +3,19 @@
 
 #include "admin/CheckUp.h"
 #include "admin/ledger_check.h"
+#include "form_test.h"
 #include "ledger/engine.h"
-#include "memory_desktop.h"
 #include "printed.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 #include "tools/headless.h"
 
 #include <QLabel>
 #include <QtTest>
 
-class CheckTest : public QObject
+class CheckTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     /// Enters, saves and, unless it is to stay a draft, audits a document of five pieces each.
     DocumentForm& document(DocumentKind kind, const QStringList& codes, bool audited = true)
     {
@@ -55,22 +50,13 @@ private:
             form->Unload();
     }
 
-private slots:
-    void init()
+    void furnish() override
     {
-        MemoryDesktop::install();
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
         for (const char16_t* goods : {u"'A1',20,20,2", u"'A2',100,100,0.5", u"'A3',7.3,7.3,4"})
             ledger_->run(u"insert into TA4 (F1,F8,V3,F7,F2,F3,F71) values (%1,'螺栓','001',3)"_s.arg(goods));
-        beginSession(*ledger_);
-    }
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
     }
 
+private slots:
     void oneFault_data()
     {
         QTest::addColumn<QStringList>("statements");

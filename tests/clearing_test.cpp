@@ -6,13 +6,11 @@
 #include "admin/S303.h"
 #include "admin/YearEnd.h"
 #include "documents/document_form.h"
+#include "form_test.h"
 #include "ledger/engine.h"
 #include "masterdata/A4.h"
-#include "memory_desktop.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QtTest>
 
@@ -51,13 +49,11 @@ QMap<QString, QString> contents(LedgerFixture& ledger)
 
 } // namespace
 
-class ClearingTest : public QObject
+class ClearingTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
     QMap<QString, QString> before_;
 
     /// The tables that are other than before: "TA1: 001; TB1: ". Nothing is "".
@@ -81,12 +77,8 @@ private:
         return QDir(ledger_->folder() + u"/数据备份/操作前备份"_s).entryList(QDir::Files);
     }
 
-private slots:
-    void init()
+    void furnish() override
     {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        MemoryDesktop::install();
         for (const char16_t* statement : {
                  u"insert into TA1 (F1,F2) values ('S2','二号供货')",
                  u"insert into TA2 (F1,F2) values ('K2','二号出货')",
@@ -111,20 +103,10 @@ private slots:
                  u"insert into jxc (SortNo,Bdate,Edate,Hpbm) values (0,'2004-1-1','2004-11-18','A2')",
              })
             ledger_->run(QString::fromUtf16(statement));
-        beginSession(*ledger_);
-        gAppPath = withSeparator(ledger_->folder());
-        gLedgerFile = ledger_->path();
         before_ = contents(*ledger_);
     }
 
-    void cleanup()
-    {
-        endSession();
-        setDesktopHost(nullptr);
-        boxes_.reset();
-        ledger_.reset();
-    }
-
+private slots:
     void reset_data()
     {
         QTest::addColumn<QList<int>>("boxes");

@@ -6,14 +6,12 @@
 #include "documents/goods_lookup.h"
 #include "documents/line_entry.h"
 #include "documents/new_goods_panel.h"
+#include "form_test.h"
 #include "ledger/Module1.h"
-#include "memory_desktop.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
 #include "platform/widgets/grid.h"
 #include "printed.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -36,14 +34,11 @@ struct Line
 
 } // namespace
 
-class DocumentsTest : public QObject
+class DocumentsTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     /// A form as the menu shows it.
     DocumentForm& open(DocumentKind kind)
     {
@@ -97,30 +92,16 @@ private:
 
     QString stock(const QString& code) { return ledger_->row(u"select F8,F7,F71 from TA4 where F1='%1'"_s.arg(code)); }
 
-private slots:
-    void initTestCase()
+    void furnish() override
     {
-        MemoryDesktop::install();
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-
-    void init()
-    {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
+        operator_ = u"王小敏"_s;
         for (const char16_t* goods :
              {u"'A1','六角螺栓','001','个','M8',2,3,10", u"'A2','平垫圈','001','片','8',0.5,1,100",
               u"'A3','电缆','001','米','BVR 2.5',4,6,0"})
             ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F7,F71,F8) values ("_s + QString::fromUtf16(goods) + u')');
-        beginSession(*ledger_, u"王小敏"_s);
     }
 
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-    }
-
+private slots:
     // Arithmetic ------------------------------------------------------------------------------------------------------
 
     void movingAverage_data()

@@ -1,8 +1,8 @@
 // The flow ledger and the quantity report through the real forms: what a line becomes, what is asked for, what is
 // remembered, and figures that are those of the goods' own statements.
 
+#include "form_test.h"
 #include "ledger/literal.h"
-#include "memory_desktop.h"
 #include "platform/base/date.h"
 #include "platform/base/number.h"
 #include "platform/base/status.h"
@@ -12,8 +12,6 @@
 #include "reports/C18.h"
 #include "reports/quantity_report.h"
 #include "reports/statistics_mode.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -43,14 +41,11 @@ private:
 
 } // namespace
 
-class FlowTest : public QObject
+class FlowTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     void document(const QString& header, const QString& number, const QString& date, const QString& partner,
                   const QString& auditor, const QString& booked)
     {
@@ -102,23 +97,6 @@ private:
     }
 
 private slots:
-    void initTestCase()
-    {
-        MemoryDesktop::install();
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-    void init()
-    {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        beginSession(*ledger_);
-    }
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-    }
-
     void linesOfTheFlow()
     {
         fewDocuments();

@@ -1,14 +1,12 @@
 // Goods from a sheet's rows: what each choice of columns stores, and that the check tells beforehand what the import
 // then does.
 
+#include "form_test.h"
 #include "ledger/engine.h"
 #include "ledger/literal.h"
 #include "masterdata/FromExcel.h"
-#include "memory_desktop.h"
 #include "platform/widgets/grid.h"
 #include "platform/workbook/table_file.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QtTest>
 
@@ -25,14 +23,11 @@ QString told(const ImportedRow& row)
 
 } // namespace
 
-class ImportTest : public QObject
+class ImportTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     QStringList import(const ImportChoice& choice, const QList<QStringList>& rows, GoodsImport::Mode mode)
     {
         GoodsImport import(choice, mode);
@@ -64,30 +59,14 @@ private:
         return form;
     }
 
-private slots:
-    void initTestCase()
+    void furnish() override
     {
-        MemoryDesktop::install();
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-    void init()
-    {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        beginSession(*ledger_);
-        gLedgerFile = ledger_->path();
-        gAppPath = withSeparator(ledger_->folder());
-        gDB.Execute(u"insert into TA3 (F1,F2) values ('J1','紧固件')"_s);
-        gDB.Execute(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F7,F71,F8,V1,V2,V3,V4) values "
-                    u"('A1','旧名','J1','个','M8','旧注',2,3,10,1,9,5,6)"_s);
-    }
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-        ledger_.reset();
+        ledger_->run(u"insert into TA3 (F1,F2) values ('J1','紧固件')"_s);
+        ledger_->run(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F7,F71,F8,V1,V2,V3,V4) values "
+                     u"('A1','旧名','J1','个','M8','旧注',2,3,10,1,9,5,6)"_s);
     }
 
+private slots:
     /// Columns by letter: A code, B name, C category's name, D unit, E model, F and G remarks, H cost, I sale price,
     /// J category's code, K quantity, L lowest, M highest.
     void rules_data()

@@ -1,9 +1,9 @@
 // The lists of stock, documents and stock-takes through the real forms: which rows, which sums, which conditions, and
 // who sees what.
 
+#include "form_test.h"
 #include "ledger/Module1.h"
 #include "ledger/engine.h"
-#include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/base/clock.h"
 #include "platform/base/status.h"
@@ -13,8 +13,6 @@
 #include "reports/C1.h"
 #include "reports/C3.h"
 #include "reports/Lst.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QLabel>
 #include <QtTest>
@@ -31,13 +29,11 @@ struct Condition
 
 } // namespace
 
-class ListsTest : public QObject
+class ListsTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
     QString status_;
 
     void run(Form& form, const QString& name)
@@ -141,18 +137,8 @@ private:
                 header + u'1', number, header == u"TC2" ? u"F1,F5,F6,F7"_s : u"F1,F6,F7"_s, values));
     }
 
-private slots:
-    void initTestCase()
+    void furnish() override
     {
-        MemoryDesktop::install();
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-
-    void init()
-    {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        beginSession(*ledger_);
         setStatusHost({[this](int panel, const QString& text) {
                            if (panel == 4)
                                status_ = text;
@@ -160,13 +146,7 @@ private slots:
                        [this](int) { return status_; }});
     }
 
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-        setStatusHost({});
-    }
-
+private slots:
     // Stock -----------------------------------------------------------------------------------------------------------
 
     void stockList_data()

@@ -2,17 +2,15 @@
 // what is refused, what an operator without a right sees, and what a failure leaves behind.
 
 #include "admin/S1.h"
+#include "form_test.h"
 #include "ledger/Module1.h"
 #include "ledger/engine.h"
 #include "masterdata/A4.h"
 #include "masterdata/code_table_form.h"
-#include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/picture.h"
 #include "printed.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QListWidget>
 #include <QTabBar>
@@ -26,14 +24,11 @@ const QString editingText =
 
 } // namespace
 
-class MasterdataTest : public QObject
+class MasterdataTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     template <class F>
     F& open()
     {
@@ -103,25 +98,6 @@ private:
     }
 
 private slots:
-    void initTestCase()
-    {
-        MemoryDesktop::install();
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-
-    void init()
-    {
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        beginSession(*ledger_);
-    }
-
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-    }
-
     // Partners and categories -----------------------------------------------------------------------------------------
 
     void addEditDelete_data() { addKinds(); }

@@ -1,17 +1,15 @@
 // The comprehensive period report through the real form: its figures against one statement for each goods item, the
 // chain of saved reports, and who may delete what.
 
+#include "form_test.h"
 #include "ledger/engine.h"
 #include "ledger/literal.h"
-#include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/base/status.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
 #include "reports/C181.h"
 #include "reports/Query.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QListWidget>
 #include <QtTest>
@@ -38,13 +36,11 @@ MovedSum literalSum(LedgerFixture& ledger, const QString& header, const QString&
 
 } // namespace
 
-class PeriodTest : public QObject
+class PeriodTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
     QString status_;
 
     void sql(std::initializer_list<QString> statements)
@@ -125,25 +121,12 @@ private:
         form.command(u"Menu_Query"_s)->trigger();
     }
 
-private slots:
-    void init()
+    void furnish() override
     {
-        MemoryDesktop::install();
-        ledger_ = std::make_unique<LedgerFixture>();
-        boxes_ = std::make_unique<ScriptedDialogs>();
-        beginSession(*ledger_);
-        StatusHost host;
-        host.write = [this](int, const QString& text) { status_ = text; };
-        host.read = [this](int) { return status_; };
-        setStatusHost(host);
-    }
-    void cleanup()
-    {
-        endSession();
-        boxes_.reset();
-        ledger_.reset();
+        setStatusHost({[this](int, const QString& text) { status_ = text; }, [this](int) { return status_; }});
     }
 
+private slots:
     /// Numbers whose sum depends on the order of adding, numbers given twice, codes in either case.
     void sumsAreThoseOfOneStatementPerGoods()
     {
@@ -172,7 +155,7 @@ private slots:
                                        {u"2004-3-5"_s, u"2004-3-31"_s},
                                        {u"2004-2-1"_s, u"2004-8-20"_s},
                                        {u"2004-5-2"_s, u"2004-5-1"_s}})
-            for (const MovedPlan plan : {MovedPlan::ByDocument, MovedPlan::ByLine}) {
+            for (const SumPlan plan : {SumPlan::ByDocument, SumPlan::ByLine}) {
                 const MovedByGoods moved = movedBetween(from, to, plan);
                 for (const QString& code : {u"A1"_s, u"B1"_s, u"铜1"_s, u"ZZ"_s, u"none"_s}) {
                     const auto found = moved.find(foldedCode(code));

@@ -1,15 +1,13 @@
 // The print host: what the callers hand over, the rows behind a layout, the preview, the ways out of it.
 
+#include "form_test.h"
 #include "ledger/literal.h"
-#include "memory_desktop.h"
 #include "modal_forms.h"
 #include "platform/report/page_view.h"
 #include "platform/report/preview_probe.h"
 #include "platform/report/printers.h"
 #include "reports/Prnt.h"
 #include "reports/printing.h"
-#include "scripted_dialogs.h"
-#include "session_fixture.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -90,23 +88,26 @@ QStringList pdfPages(const QString& path)
 
 } // namespace
 
-class PrintTest : public QObject
+class PrintTest : public FormTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<LedgerFixture> ledger_;
-    std::unique_ptr<ScriptedDialogs> boxes_;
-
     QString file(const QString& name) const { return QDir(ledger_->folder()).filePath(name); }
     void layout(const QString& text) const { QVERIFY(writeLines(file(u"Form.rpt"_s), text.split(u'\n'))); }
     void stage(int rows) const;
     /// Shows the preview of that layout, runs `act` in it, and closes it.
     void previewed(const std::function<void(Prnt&)>& act, PrintOrder order = {}) const;
 
+    void furnish() override { setPrinterHost(std::make_unique<PdfPrinter>(file(u"paper.pdf"_s))); }
+    void inspect() override
+    {
+        QVERIFY2(boxes_->finished(), qPrintable(boxes_->report()));
+        QCOMPARE(openPreview(), nullptr);
+        setPrinterHost(nullptr);
+    }
+
 private slots:
-    void init();
-    void cleanup();
     void textsAreTakenApart_data();
     void textsAreTakenApart();
     void stagingReplacesTheRows();
@@ -118,28 +119,6 @@ private slots:
     void withoutPrinter();
     void exportsWhatIsOnPaper();
 };
-
-void PrintTest::init()
-{
-    MemoryDesktop::install();
-    boxes_.reset(); // of a test that failed
-    boxes_ = std::make_unique<ScriptedDialogs>();
-    ledger_ = std::make_unique<LedgerFixture>();
-    beginSession(*ledger_);
-    gLedgerFile = ledger_->path();
-    gAppPath = withSeparator(ledger_->folder());
-    setPrinterHost(std::make_unique<PdfPrinter>(file(u"paper.pdf"_s)));
-}
-
-void PrintTest::cleanup()
-{
-    QVERIFY2(boxes_->finished(), qPrintable(boxes_->report()));
-    QCOMPARE(openPreview(), nullptr);
-    endSession();
-    setPrinterHost(nullptr);
-    boxes_.reset();
-    ledger_.reset();
-}
 
 void PrintTest::stage(int count) const
 {

@@ -6,6 +6,7 @@
 #include "ledger/create.h"
 #include "platform/base/clock.h"
 #include "platform/base/desktop.h"
+#include "platform/base/dialogs.h"
 #include "platform/base/files.h"
 #include "platform/widgets/grid.h"
 #include "shell/session.h"
@@ -29,6 +30,21 @@ public:
     void run(const QString&) override {}
     void registerClass(const QString&, const QString&, const QString&) override {}
     void endProcess() override {}
+};
+
+/// An operator who says yes. A box that tells a failure ends the program.
+class Agreeing : public DialogHost
+{
+public:
+    Answer show(const Box& box) override
+    {
+        if (box.kind == BoxKind::Error)
+            qFatal("%s", qPrintable(box.text));
+        return box.buttons == BoxButtons::YesNo ? Answer::Yes : Answer::Ok;
+    }
+    std::optional<QString> input(const InputRequest&) override { return {}; }
+    std::optional<QString> chooseFile(const FileRequest&) override { return {}; }
+    void doEvents() override {}
 };
 
 inline Database openLedger(const QString& path)

@@ -8,6 +8,7 @@
 #include "admin/YearEnd.h"
 #include "admin/sysDBbak.h"
 #include "books.h"
+#include "headless.h"
 #include "ledger/Module1.h"
 #include "ledger/create.h"
 #include "ledger/engine.h"
@@ -89,17 +90,6 @@ private:
     QString file_;
 };
 
-class BareDesktop : public DesktopHost
-{
-public:
-    QString setting(const QString&, const QString&, const QString&, const QString& preset) override { return preset; }
-    void saveSetting(const QString&, const QString&, const QString&, const QString&) override {}
-    void open(const QString&) override {}
-    void run(const QString&) override {}
-    void registerClass(const QString&, const QString&, const QString&) override {}
-    void endProcess() override {}
-};
-
 void backUpAtExit(const Place&)
 {
     MForm::get().close();
@@ -164,7 +154,7 @@ const Command& commandCalled(const QString& name)
 int runCommandIn(const Command& command, const Place& place)
 {
     setDialogHost(std::make_unique<SureHost>(command.file ? (place.*command.file)() : QString()));
-    setDesktopHost(std::make_unique<BareDesktop>());
+    setDesktopHost(std::make_unique<headless::Desktop>());
     setClock(QDateTime(QDate(2004, 11, 18), QTime(9, 5, 3)));
     setProgramFolder(place.folder);
     resetSession();

@@ -4,6 +4,7 @@
 #include "demo_catalogue.h"
 #include "documents/document_form.h"
 #include "documents/line_entry.h"
+#include "headless.h"
 #include "ledger/Module1.h"
 #include "ledger/create.h"
 #include "ledger/literal.h"
@@ -27,33 +28,6 @@ namespace {
 
 const QDate firstDay(2025, 1, 2);
 const QDate lastDay(2025, 12, 31);
-
-/// Confirms everything, as somebody does who knows what the year brings.
-class Confirming : public DialogHost
-{
-public:
-    Answer show(const Box& box) override
-    {
-        if (box.kind == BoxKind::Error)
-            qFatal("%s", qPrintable(box.text));
-        return box.buttons == BoxButtons::YesNo ? Answer::Yes : Answer::Ok;
-    }
-    std::optional<QString> input(const InputRequest&) override { return {}; }
-    std::optional<QString> chooseFile(const FileRequest&) override { return {}; }
-    void doEvents() override {}
-};
-
-/// Keeps no settings: the year doesn't depend on who makes it.
-class NoDesktop : public DesktopHost
-{
-public:
-    QString setting(const QString&, const QString&, const QString&, const QString& preset) override { return preset; }
-    void saveSetting(const QString&, const QString&, const QString&, const QString&) override {}
-    void open(const QString&) override {}
-    void run(const QString&) override {}
-    void registerClass(const QString&, const QString&, const QString&) override {}
-    void endProcess() override {}
-};
 
 /// The same numbers on every machine, which the library's distributions don't promise.
 class Dice
@@ -268,8 +242,8 @@ int main(int argc, char* argv[])
         return 2;
     }
     const QString output = QApplication::arguments().at(1);
-    setDialogHost(std::make_unique<Confirming>());
-    setDesktopHost(std::make_unique<NoDesktop>());
+    setDialogHost(std::make_unique<headless::Agreeing>());
+    setDesktopHost(std::make_unique<headless::Desktop>());
     try {
         QFile::remove(output);
         createLedger(output, readLines(QStringLiteral(LEDGER_SCHEMA)).value().join(u'\n'), ledgerConnect.toString());

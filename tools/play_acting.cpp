@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QStyleOptionButton>
 #include <QTabWidget>
 #include <QTest>
@@ -295,7 +296,12 @@ void choose(const Found& found, const QString& name, const QString& text)
              u"\"%1\""_s.arg(world::items(found).value_or(QStringList()).join(u"\", \""_s)));
     if (combo) {
         view->setCurrentIndex(index);
+        const QPointer<QWidget> window = combo->window();
         QTest::sendKeyEvent(QTest::Click, view, Qt::Key_Return, u"\r"_s, Qt::NoModifier);
+        // Without a window manager nobody gives the window back what its list had, and keys would go nowhere.
+        const QWidget* modal = QApplication::activeModalWidget();
+        if (window && window->isVisible() && (!modal || modal == window))
+            window->activateWindow();
     } else {
         clickAt(view->viewport(), visibleItem(view, index).center());
     }

@@ -11,9 +11,11 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QPushButton>
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
@@ -39,6 +41,14 @@ public:
 int turnPause()
 {
     return QGuiApplication::platformName() == u"offscreen" ? 0 : 15;
+}
+
+/// A button whose letter was typed stays down for a moment and acts when it comes up.
+bool buttonIsDown()
+{
+    const QWidget* window = QApplication::activeWindow();
+    const auto buttons = window ? window->findChildren<QPushButton*>() : QList<QPushButton*>();
+    return std::any_of(buttons.begin(), buttons.end(), [](const auto* button) { return button->isDown(); });
 }
 
 /// Without a window manager the platform complains about what it can't do; that is no news to a script's reader.
@@ -107,6 +117,8 @@ void Player::step()
         calmTurns_ = 0;
         return post(1);
     }
+    if (buttonIsDown())
+        return post(5);
     if (level != calmLevel_) {
         calmLevel_ = level;
         calmTurns_ = 0;

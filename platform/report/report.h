@@ -89,6 +89,7 @@ public:
     bool toPdf(const QString& path) const;
 
 private:
+    class TableMaker;
     struct Piece
     {
         const ReportBand* band;

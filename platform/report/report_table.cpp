@@ -102,77 +102,125 @@ private:
 
 } // namespace
 
-TableContent Report::table() const
+class Report::TableMaker
 {
+public:
+    explicit TableMaker(const Report& report)
+        : report_(report)
+        , layout_(report.layout_)
+        , columns_(report.layout_)
+        , count_(report.rows_->rowCount())
+        , page_(report.pageCount())
+    {}
+
+    TableContent make()
+    {
+        table_.sheet = layout_.title;
+        addCaptions();
+        addHeading();
+        const int groups = int(layout_.groups.size());
+        for (qsizetype row = 0; row < count_; ++row) {
+            const int level = report_.breakLevels_[size_t(row)];
+            for (int inner = groups - 1; row > 0 && inner >= level; --inner)
+                addBand(layout_.groups[inner].footer, row - 1);
+            for (int inner = level; inner < groups; ++inner)
+                addBand(layout_.groups[inner].header, row);
+            addRow(row);
+        }
+        for (int inner = groups - 1; count_ > 0 && inner >= 0; --inner)
+            addBand(layout_.groups[inner].footer, count_ - 1);
+        addBand(layout_.summary, count_ - 1);
+        return std::move(table_);
+    }
+
+private:
     using Kind = ReportItem::Kind;
-    const int page = pageCount();
-    const TableColumns columns(layout_);
-    const qsizetype count = rows_->rowCount();
-    TableContent table;
-    table.sheet = layout_.title;
 
-    // Captions stand in the innermost band above the rows that has enough of them.
-    QList<const ReportBand*> above{&layout_.pageHeader, &layout_.reportHeader};
-    for (const ReportGroup& group : layout_.groups)
-        above.prepend(&group.header);
-    QList<const ReportItem*> heads;
-    for (const ReportBand* band : std::as_const(above)) {
-        heads.clear();
-        for (const ReportItem& item : band->items)
-            if (item.kind == Kind::Text || (item.kind == Kind::Formula && item.frame))
-                heads.append(&item);
-        if (heads.size() * 2 >= columns.items().size())
-            break;
-    }
-    QList<const ReportItem*> used;
-    for (const ReportItem* column : columns.items()) {
-        QStringList words;
-        for (const ReportItem* head : TableColumns::captionOf(*column, heads)) {
-            words += Trim(textOf(*head, -1, 1));
-            used += head;
+    /// Captions stand in the innermost band above the rows that has enough of them.
+    QList<const ReportItem*> heads() const
+    {
+        QList<const ReportBand*> above{&layout_.pageHeader, &layout_.reportHeader};
+        for (const ReportGroup& group : layout_.groups)
+            above.prepend(&group.header);
+        QList<const ReportItem*> heads;
+        for (const ReportBand* band : std::as_const(above)) {
+            heads.clear();
+            for (const ReportItem& item : band->items)
+                if (item.kind == Kind::Text || (item.kind == Kind::Formula && item.frame))
+                    heads.append(&item);
+            if (heads.size() * 2 >= columns_.items().size())
+                break;
         }
-        const QString caption = words.join(u' ').replace(u'\n', u' ');
-        table.captions += caption.isEmpty() ? column->name : caption;
-        table.numeric += column->kind == Kind::RowNumber || column->kind == Kind::Sum || column->kind == Kind::Count ||
-                         column->format == ReportItem::Format::Mask ||
-                         (column->format == ReportItem::Format::AsIs && (column->alignment & Qt::AlignRight));
+        return heads;
     }
 
-    // What the head says besides: title, company, whose document it is. What stands side by side makes one line.
-    for (const ReportBand* band : {&layout_.reportHeader, &layout_.pageHeader}) {
-        QList<const ReportItem*> items;
-        for (const ReportItem& item : band->items)
-            if (isWritten(item) && !used.contains(&item))
-                items.append(&item);
-        std::stable_sort(items.begin(), items.end(), [](const ReportItem* a, const ReportItem* b) {
-            return std::pair(a->place.top(), a->place.left()) < std::pair(b->place.top(), b->place.left());
-        });
-        const ReportItem* before = nullptr;
-        for (const ReportItem* item : std::as_const(items)) {
-            const QString text = Trim(textOf(*item, count > 0 ? 0 : -1, 1));
-            if (text.isEmpty())
-                continue;
-            const bool beside = before && item->place.top() - before->place.top() < touching;
-            if (!beside)
-                table.heading += text;
-            else
-                table.heading.last() += (table.heading.last().endsWith(u'：') ? QString() : u"　"_s) + text;
-            before = item;
+    void addCaptions()
+    {
+        const QList<const ReportItem*> all = heads();
+        for (const ReportItem* column : columns_.items()) {
+            QStringList words;
+            for (const ReportItem* head : TableColumns::captionOf(*column, all)) {
+                words += Trim(report_.textOf(*head, -1, 1));
+                captions_ += head;
+            }
+            const QString caption = words.join(u' ').replace(u'\n', u' ');
+            table_.captions += caption.isEmpty() ? column->name : caption;
+            table_.numeric += column->kind == Kind::RowNumber || column->kind == Kind::Sum ||
+                              column->kind == Kind::Count || column->format == ReportItem::Format::Mask ||
+                              (column->format == ReportItem::Format::AsIs && (column->alignment & Qt::AlignRight));
         }
     }
 
-    const auto addBand = [&](const ReportBand& band, qsizetype row) {
-        QStringList cells(columns.items().size());
+    /// What the head says besides: title, company, whose document it is. What stands side by side makes one line.
+    void addHeading()
+    {
+        for (const ReportBand* band : {&layout_.reportHeader, &layout_.pageHeader}) {
+            QList<const ReportItem*> items;
+            for (const ReportItem& item : band->items)
+                if (isWritten(item) && !captions_.contains(&item))
+                    items.append(&item);
+            std::stable_sort(items.begin(), items.end(), [](const ReportItem* a, const ReportItem* b) {
+                return std::pair(a->place.top(), a->place.left()) < std::pair(b->place.top(), b->place.left());
+            });
+            const ReportItem* before = nullptr;
+            for (const ReportItem* item : std::as_const(items)) {
+                const QString text = Trim(report_.textOf(*item, count_ > 0 ? 0 : -1, 1));
+                if (text.isEmpty())
+                    continue;
+                const bool beside = before && item->place.top() - before->place.top() < touching;
+                if (!beside)
+                    table_.heading += text;
+                else
+                    table_.heading.last() += (table_.heading.last().endsWith(u'：') ? QString() : u"　"_s) + text;
+                before = item;
+            }
+        }
+    }
+
+    void addRow(qsizetype row)
+    {
+        QStringList cells;
+        for (const ReportItem* item : columns_.items()) {
+            const bool byPage = item->kind == Kind::RowNumber && item->over == ReportItem::Over::Page;
+            cells += byPage ? plainText(double(row + 1)) : report_.textOf(*item, row, page_);
+        }
+        table_.rows += cells;
+    }
+
+    /// The sums of a band in the columns that they belong to, its words in one that is left.
+    void addBand(const ReportBand& band, qsizetype row)
+    {
+        QStringList cells(columns_.items().size());
         QStringList words; // what has no column of its own
         for (const ReportItem& item : band.items) {
             if (!isWritten(item))
                 continue;
-            const QString text = textOf(item, row, page);
+            const QString text = report_.textOf(item, row, page_);
             if (text.isEmpty())
                 continue;
-            const int column = columns.columnOf(item);
-            const QString number = contentOf(item, row, page);
-            const bool fits = column >= 0 && table.numeric[column] && cells[column].isEmpty() && isNumber(number);
+            const int column = columns_.columnOf(item);
+            const QString number = report_.contentOf(item, row, page_);
+            const bool fits = column >= 0 && table_.numeric[column] && cells[column].isEmpty() && isNumber(number);
             if (!fits) {
                 words += item.kind == Kind::Text ? withoutColon(text) : text;
                 continue;
@@ -181,38 +229,33 @@ TableContent Report::table() const
             if (const QString label = withoutColon(item.before); label.size() > 1 && !words.contains(label))
                 words += label;
         }
-        const QString label = words.join(u"　"_s);
-        if (!label.isEmpty()) {
-            // The words stand in the first column that the sums leave free and that takes texts.
-            int free = -1;
-            for (int i = 0; i < cells.size() && free < 0; ++i)
-                if (cells[i].isEmpty() && !table.numeric[i])
-                    free = i;
-            for (int i = 0; i < cells.size() && free < 0; ++i)
-                if (cells[i].isEmpty())
-                    free = i;
-            if (free >= 0)
+        if (const QString label = words.join(u"　"_s); !label.isEmpty())
+            if (const int free = placeForWords(cells); free >= 0)
                 cells[free] = label;
-        }
         if (std::any_of(cells.begin(), cells.end(), [](const QString& cell) { return !cell.isEmpty(); }))
-            table.rows += cells;
-    };
-    const int groups = int(layout_.groups.size());
-    for (qsizetype row = 0; row < count; ++row) {
-        const int level = breakLevels_[size_t(row)];
-        for (int inner = groups - 1; row > 0 && inner >= level; --inner)
-            addBand(layout_.groups[inner].footer, row - 1);
-        for (int inner = level; inner < groups; ++inner)
-            addBand(layout_.groups[inner].header, row);
-        QStringList cells;
-        for (const ReportItem* item : columns.items()) {
-            const bool byPage = item->kind == Kind::RowNumber && item->over == ReportItem::Over::Page;
-            cells += byPage ? plainText(double(row + 1)) : textOf(*item, row, page);
-        }
-        table.rows += cells;
+            table_.rows += cells;
     }
-    for (int inner = groups - 1; count > 0 && inner >= 0; --inner)
-        addBand(layout_.groups[inner].footer, count - 1);
-    addBand(layout_.summary, count - 1);
-    return table;
+
+    /// The first column that the sums leave free, and that takes texts if there is one; -1 for none.
+    int placeForWords(const QStringList& cells) const
+    {
+        int free = -1;
+        for (int i = int(cells.size()) - 1; i >= 0; --i)
+            if (cells[i].isEmpty() && (free < 0 || !table_.numeric[i] || table_.numeric[free]))
+                free = i;
+        return free;
+    }
+
+    const Report& report_;
+    const ReportLayout& layout_;
+    TableColumns columns_;
+    qsizetype count_;
+    int page_;
+    QList<const ReportItem*> captions_; ///< the items that captions are made of
+    TableContent table_;
+};
+
+TableContent Report::table() const
+{
+    return TableMaker(*this).make();
 }

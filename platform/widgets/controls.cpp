@@ -352,11 +352,6 @@ void FieldLayout::addUnlabelled(QWidget* widget, int span)
     addWidget(widget, row_, 2 * at + 1, 1, 2 * span - 1);
 }
 
-void FieldLayout::skip(int pairs)
-{
-    place(pairs);
-}
-
 void FieldLayout::newRow()
 {
     ++row_;

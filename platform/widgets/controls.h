@@ -78,8 +78,6 @@ public:
     void add(QLabel* label, std::initializer_list<QWidget*> controls, int span = 1);
     /// Without a label, in the field's place: a check box, a note.
     void addUnlabelled(QWidget* widget, int span = 1);
-    /// Leaves places empty.
-    void skip(int pairs = 1);
     void newRow();
 
 private:

@@ -426,11 +426,6 @@ void Grid::setRows(QList<QStringList> rows)
     model_->setRows(std::move(rows));
 }
 
-int Grid::fixedRows() const
-{
-    return fixedRows_;
-}
-
 int Grid::Rows() const
 {
     return model_->rowCount() + fixedRows_;
@@ -660,7 +655,7 @@ bool Grid::endEdit()
             return false;
         }
     }
-    closeEditor();
+    hideEditor();
     return true;
 }
 
@@ -668,7 +663,7 @@ bool Grid::endEdit()
 void Grid::refuse()
 {
     if (cell_.y() >= Rows()) { // the cell went away meanwhile
-        closeEditor();
+        hideEditor();
         return;
     }
     state_ = EditState::Open;
@@ -682,10 +677,10 @@ void Grid::refuse()
 void Grid::cancelEdit()
 {
     if (state_ == EditState::Open)
-        closeEditor();
+        hideEditor();
 }
 
-void Grid::closeEditor()
+void Grid::hideEditor()
 {
     state_ = EditState::Idle;
     if (TxtEnter->hasFocus())
@@ -697,7 +692,7 @@ void Grid::closeEditor()
 void Grid::dropEdit()
 {
     if (state_ == EditState::Open)
-        closeEditor();
+        hideEditor();
 }
 
 void Grid::placeEditor()

@@ -42,8 +42,7 @@ public:
     /// dropped, as with every change that takes the edited row away.
     void setRows(QList<QStringList> rows);
 
-    int fixedRows() const; ///< header rows: 1, or 2 with groups
-    int Rows() const;      ///< header rows included
+    int Rows() const; ///< header rows included
     int Cols() const;
     void setRowCount(int rows);                    ///< header rows included
     QString TextMatrix(int row, int column) const; ///< "" outside the grid
@@ -125,7 +124,7 @@ private:
     bool opens(int row, int column) const;
     void reach(int row, int column);
     void openEditor(int row, int column);
-    void closeEditor();
+    void hideEditor();
     void dropEdit();
     void refuse();
     void placeEditor();

@@ -47,7 +47,7 @@ void styleManualTables(QTextFrame* frame)
             format.setBorderCollapse(true);
             format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
             format.setBorderBrush(style::color(style::Role::Lines));
-            format.setTopMargin(style::spacing / 2);
+            format.setTopMargin(style::spacing / 2.0);
             format.setBottomMargin(style::spacing);
             table->setFormat(format);
             for (int column = 0; column < table->columns(); ++column) {

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <freexl.h>
+#include <limits>
 
 namespace {
 
@@ -122,9 +123,11 @@ private:
 
     void readNames()
     {
-        for (unsigned short sheet = 0; sheet < info(FREEXL_BIFF_SHEET_COUNT); ++sheet) {
+        const unsigned int sheets = info(FREEXL_BIFF_SHEET_COUNT);
+        for (unsigned int sheet = 0; sheet < sheets; ++sheet) {
             const char* name = nullptr;
-            if (freexl_get_worksheet_name(handle_, sheet, &name) != FREEXL_OK || !name) {
+            if (sheet > std::numeric_limits<unsigned short>::max() || // the library can't be asked for it
+                freexl_get_worksheet_name(handle_, static_cast<unsigned short>(sheet), &name) != FREEXL_OK || !name) {
                 refusal = xlsDamaged;
                 return;
             }
