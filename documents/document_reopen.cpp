@@ -236,7 +236,7 @@ void DocumentForm::reopen(const KeptEntry& entry, KeptFile& file)
                                                                              : QString();
         editing = why.isEmpty() && showStored(entry.reserved);
         if (!editing)
-            news += u"原来的单据 "_s + entry.reserved + (why.isEmpty() ? u"不能再修改"_s : why) +
+            news += u"原来的单据 "_s + entry.reserved + u' ' + (why.isEmpty() ? u"不能再修改"_s : why) +
                     u"，这份录入改作新的单据"_s;
     }
     QList<QStringList> rows;

@@ -765,6 +765,8 @@ private slots:
                                               u"regtel='电话：027-8'"_s}));
         for (const QString& text : {gCompanyName, u"it's 'urgent'"_s, u"单号："_s + number})
             QVERIFY2(paper.texts.contains(text), qPrintable(text));
+        const QString mark = u"未审核"_s; // on drafts, in both schemes
+        QVERIFY(paper.texts.contains(mark));
 
         // Scheme two prints what the list points at, also when the detail shows another document.
         form.TabS->setCurrentIndex(0);
@@ -783,17 +785,22 @@ private slots:
                              u"regname='O'Hara's 五金'"_s,   u"sumje='%1'"_s.arg(total)};
         if (words.size() > 2)
             formulas += u"qianming='"_s + words[2] + u"'"_s;
+        formulas += u"shenhe=''"_s;
         QCOMPARE(second, number);
         QCOMPARE(paper.formulas, formulas);
         QCOMPARE(ledger_->rows(u"select F0,F1,F6,F7,F8,F9,V1,V2 from Plist order by F0"_s),
                  (QStringList{u"00001|A1|4|2.50|10.00|it's 'urgent'|4|2.5"_s, u"00002|A3|0.5|4.00|2.00||0.5|4"_s}));
-        QVERIFY(paper.texts.contains(u"it's 'urgent'"_s));
+        QVERIFY(paper.texts.contains(u"it's 'urgent'"_s) && paper.texts.contains(mark));
 
         // An audited document prints too; without prices scheme two can't.
         ledger_->run(u"update %1 set F6='李经理'"_s.arg(traitsOf(kind).header));
         form.listAll(QString());
         paper = printed([&] { run(form, shown); });
-        QCOMPARE(words.size() > 2, paper.formulas.last().contains(u"李经理"_s));
+        QCOMPARE(paper.formulas.last(), u"shenhe='李经理'"_s);
+        QCOMPARE(words.size() > 2, paper.formulas.at(6).contains(u"审核人"_s));
+        QVERIFY(!paper.texts.contains(mark));
+        paper = printed([&] { run(form, stored); });
+        QVERIFY(!paper.texts.contains(mark) && paper.texts.contains(u"李经理"_s));
         gWithMoney = 0;
         form.sessionChanged();
         QVERIFY(!form.command(QString::fromLatin1(shown))->isEnabled());
@@ -818,8 +825,8 @@ private slots:
         paper = printed(
             [&] { printShown(traitsOf(DocumentKind::D1), header, *outbound.lines->GdMx, CompactForm::TenRows); });
         QCOMPARE(paper.file, u"Pdan10.rpt"_s);
-        QCOMPARE(paper.formulas.mid(5),
-                 (QStringList{u"sumje='13.50'"_s, u"qianming='制单:小王       审核:老李'"_s, u"sumsl='5.5'"_s}));
+        QCOMPARE(paper.formulas.mid(5), (QStringList{u"sumje='13.50'"_s, u"qianming='制单:小王       审核:老李'"_s,
+                                                     u"sumsl='5.5'"_s, u"shenhe='老李'"_s}));
         const QStringList rows = ledger_->rows(u"select F0,F1,F2,F3,F4,F5,F6,F7,F8 from Plist order by F0"_s);
         QCOMPARE(rows.size(), 10);
         QCOMPARE(rows[1], u"00002|A2|平垫圈|8|片|1.5|1.00|1.50|"_s);
@@ -841,7 +848,7 @@ private slots:
         QCOMPARE(paper.file, u"prnTC2.rpt"_s);
         QCOMPARE(paper.selection, u"{TC2.F1}='PD0411180001'"_s);
         QVERIFY(paper.formulas.isEmpty());
-        QVERIFY(paper.texts.contains(u"盘点人：老王"_s));
+        QVERIFY(paper.texts.contains(u"盘点人：老王"_s) && paper.texts.contains(u"未审核"_s));
     }
 
     // What outlives the process ---------------------------------------------------------------------------------------

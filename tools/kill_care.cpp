@@ -28,6 +28,7 @@
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -497,14 +498,16 @@ bool Campaign::runEntries(int kills)
         form.open();
         const int lines = form.lines->count();
         const QString number = form.ReservedNo;
+        static const QRegularExpression offeredNumber(u"单号 (\\w+)"_s);
+        const QString asked = offeredNumber.match(questions.join(QString())).captured(1);
         const bool stored =
-            !number.isEmpty() && LookupValue(gDB, u"select F1 from TB1 where F1="_s + sqlText(number)) != u"NoFound";
+            !asked.isEmpty() && LookupValue(gDB, u"select F1 from TB1 where F1="_s + sqlText(asked)) == asked;
         if (form.Edstu == 0 && last[0] == u"kept")
             faults += u"the entry is gone: "_s + told.last();
         else if (last[0] == u"kept" && (number != last[1] || lines < last[2].toInt()))
             faults += u"kept was %1, offered is %2 with %3"_s.arg(told.last(), number).arg(lines);
         if (stored)
-            faults += u"a stored document is offered: "_s + number;
+            faults += u"a stored document is offered: "_s + asked;
         if (form.Edstu != 0) {
             ++offered;
             form.Menu_cancel();
