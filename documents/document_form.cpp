@@ -14,6 +14,7 @@
 #include "reports/Query.h"
 
 #include <QTabBar>
+#include <QTimer>
 
 #include <tuple>
 
@@ -72,6 +73,7 @@ void DocumentForm::buildCommands()
         {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},
         {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel},
         {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return},
+        {"Menu_copy",   u"&N.复制为新单据", Shown::Viewing, &DocumentForm::Menu_copy, true},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -169,9 +171,16 @@ void DocumentForm::buildDetail()
     count_ = makeLabel(u"LabCount"_s, QString());
     for (QLabel* label : {count_, Lab[Total]})
         setLook(label, LabelLook::Field);
+    LabKept = makeLabel(u"LabKept"_s, u"这份录入没能存到本机备用（磁盘满了或不能写入），请尽早[保存]。"_s);
+    LabKept->setProperty("look", u"warning"_s);
+    LabKept->setMargin(style::spacing / 2);
+    LabKept->hide();
+    keeping_ = new QTimer(this);
+    connect(keeping_, &QTimer::timeout, this, &DocumentForm::keepEntry);
     showAsTotal(Txt[Total]);
     Txt[Total]->setFixedWidth(160);
 
+    detailPage()->addWidget(LabKept);
     detailPage()->addLayout(fields);
     detailPage()->addWidget(lines, 1);
     detailPage()->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
@@ -331,10 +340,12 @@ void DocumentForm::enter(Mode mode)
     Edstu = mode;
     lines->setEntering(true, ReservedNo);
     updateState();
+    beginKeeping();
 }
 
 void DocumentForm::leaveEntering()
 {
+    endKeeping();
     Edstu = Viewing;
     lines->setEntering(false);
     updateState();
@@ -417,7 +428,8 @@ bool DocumentForm::queryUnload()
 
 QString DocumentForm::notice() const
 {
-    return clockDoubt();
+    const QString doubt = clockDoubt();
+    return doubt.isEmpty() || damaged_.isEmpty() ? doubt + damaged_ : doubt + u'\n' + damaged_;
 }
 
 void DocumentForm::unloaded()
@@ -429,8 +441,14 @@ void DocumentForm::unloaded()
 
 void DocumentForm::Menu_Add()
 {
-    ReservedNo = NextDocNumber(kind_.prefix.toString(), kind_.headerTable());
-    DanNoReserve(ReservedNo, 0);
+    beginAdding(numberAgain({}));
+    lines->openNextRow();
+}
+
+/// @param number reserved
+void DocumentForm::beginAdding(const QString& number)
+{
+    ReservedNo = number;
     fillPartners();
     clearDetail();
     if (CmbLB && CmbLB->count() > 0)
@@ -439,7 +457,6 @@ void DocumentForm::Menu_Add()
     Txt[Clerk]->setText(gOperName);
     Txt[Date]->setText(todayText());
     enter(Adding);
-    lines->openNextRow();
 }
 
 void DocumentForm::Menu_edit()
@@ -542,6 +559,7 @@ void DocumentForm::Menu_save()
             return MsgBox(u"不能保存空的单据！请录入"_s + kind_.word + u"货品！"_s);
         if (!numberFree(number, typed))
             return;
+        noteSaving(number, partnerCode);
         write(number, partnerCode);
         if (typed) {
             DanNoRelease(ReservedNo);

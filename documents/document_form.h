@@ -2,9 +2,11 @@
 
 #include "documents/audit.h"
 #include "documents/document_kind.h"
+#include "documents/kept_entry.h"
 #include "platform/widgets/list_detail_form.h"
 
 class LineEntry;
+class QTimer;
 
 /// Inbound, return, outbound, return-from-consignee documents and stock-takes: a list tab and a detail tab, draft and
 /// audit. Which of them it is comes from one DocumentTraits row.
@@ -15,6 +17,11 @@ class DocumentForm : public ListDetailForm
 
 public:
     explicit DocumentForm(const DocumentTraits& kind);
+
+    /// Shows the form, and offers the entry that a session of this operator, machine and ledger left in it when its
+    /// process died. No deletes that entry.
+    /// @throws StoreError
+    void open();
 
     void Menu_Add();
     void Menu_edit();
@@ -27,6 +34,9 @@ public:
     void Menu_save();
     void Menu_cancel();
     void Menu_Return();
+    /// A new document with partner, remark and lines of the current one, under today's date and a number of its own.
+    /// Goods and quantities are taken over, all else is as entering them now gives it.
+    void Menu_copy();
 
     /// Lists drafts only, newest first.
     void listDrafts();
@@ -41,6 +51,7 @@ public:
     QComboBox* CmbLB = nullptr; ///< the partner; none where a name is typed
     DatePicker* DTP1 = nullptr;
     LineEntry* lines = nullptr;
+    QLabel* LabKept = nullptr; ///< tells that the entry can't be kept against a crash
 
     void sessionChanged() override;
 
@@ -69,6 +80,7 @@ private:
     void clearDetail();
     void listSaved(const QString& partnerCode);
 
+    void beginAdding(const QString& number);
     void enter(Mode mode);
     void leaveEntering();
     void updateState();
@@ -80,6 +92,18 @@ private:
     bool numberFree(QString& number, bool typed);
     void write(const QString& number, const QString& partnerCode);
 
+    KeptEntry entryNow() const;
+    void beginKeeping();
+    void keepEntry();
+    void noteSaving(const QString& number, const QString& partnerCode);
+    void endKeeping();
+    QString keptQuestion(const KeptEntry& entry) const;
+    void reopen(const KeptEntry& entry, KeptFile& file);
+    bool showStored(const QString& number);
+    QString numberAgain(const QString& number);
+    bool ownReservation(const QString& number) const;
+    QString storedDigest(const QString& number) const;
+
     bool auditable();
     bool afterLockDate(const QString& before, const QString& behind);
     bool move(AuditStep step);
@@ -90,6 +114,11 @@ private:
     QString condition_;
     QList<QAction*> gated_; ///< commands that ask for the right of the form's menu
     QLabel* count_ = nullptr;
+    std::optional<KeptFile> kept_; ///< while a document is entered, where a place for it is known
+    KeptEntry keptAs_;             ///< what stays the same while the entry goes on
+    QByteArray untouched_; ///< the entry at its beginning, which is not worth keeping; empty once it was changed
+    QTimer* keeping_ = nullptr;
+    QString damaged_; ///< told above the content until the form is shown again
 };
 
 /// The form of that kind, made at first use.

@@ -77,5 +77,6 @@ void printShown(const DocumentTraits& kind, const PrintedHeader& header, const G
         formulas += formula(u"qianming", signature.toString().arg(header.clerk, header.auditor));
     if (tenRows)
         formulas += formula(u"sumsl", sumOfQuantities(lines));
+    formulas += formula(u"shenhe", header.auditor); // without one the layout says so
     preview({tenRows ? prints.tenRows.toString() : u"Pdan.rpt"_s, formulas, {}});
 }

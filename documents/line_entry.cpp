@@ -25,6 +25,13 @@ double cellNumber(const Grid& grid, int row, int column)
     return Val(grid.TextMatrix(row, column));
 }
 
+/// The quantity stands in the select list, so that the record has the grid's columns in order.
+QString newLineStatement(const DocumentTraits& kind, const QString& code, double quantity)
+{
+    return u"select F1,(F2+'/'+F5) AS MC,"_s + kind.sheet->third + u',' + NumText(quantity) + u" as sl,"_s +
+           kind.newLinePrice + u" from TA4 where F1="_s + sqlText(code);
+}
+
 } // namespace
 
 LineEntry::LineEntry(const DocumentTraits& kind)
@@ -253,10 +260,7 @@ void LineEntry::AddGoodsLine()
         focusCode(); // the next code overwrites it
         return;
     }
-    // The quantity stands in the select list, so that the record has the grid's columns in order.
-    const Recordset goods =
-        gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,"_s + kind_.sheet->third + u',' + NumText(quantity) +
-                          u" as sl,"_s + kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
+    const Recordset goods = gDB.OpenRecordset(newLineStatement(kind_, code, quantity));
     if (goods.isEOF()) {
         MsgBox(u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
                    .arg(codeCaption));
@@ -264,6 +268,15 @@ void LineEntry::AddGoodsLine()
     }
     if (!stockCovers(code, quantity))
         return;
+    fillLastRow(goods);
+    GdMx->select(GdMx->Rows() - 2, Code);
+    emit changed();
+    TxtHPBM->clear();
+    TxtHPBM->setFocus();
+}
+
+void LineEntry::fillLastRow(const Recordset& goods)
+{
     keepEmptyRow();
     const int row = GdMx->Rows() - 1;
     for (int column = Code; column <= Quantity; ++column)
@@ -271,10 +284,59 @@ void LineEntry::AddGoodsLine()
     GdMx->SetTextMatrix(row, Price, offeredPrice(goods.Fields(Price)));
     updateAmount(row);
     keepEmptyRow();
-    GdMx->select(row, Code);
+}
+
+QString LineEntry::takeOver(const QString& code, double quantity, const QString& remark)
+{
+    if (gNoNegativeQty == 1)
+        quantity = qAbs(quantity);
+    const Recordset goods = gDB.OpenRecordset(newLineStatement(kind_, code, quantity));
+    if (goods.isEOF())
+        return u"货品资料库中已经没有 "_s + code;
+    if (const QString shortage = kind_.entry == Entry::Free ? QString() : stockShortage(code, quantity, storedNumber_);
+        !shortage.isEmpty())
+        return shortage;
+    fillLastRow(goods);
+    GdMx->SetTextMatrix(GdMx->Rows() - 2, Remark, remark);
+    return {};
+}
+
+QList<QStringList> LineEntry::shownLines() const
+{
+    QList<QStringList> rows;
+    for (int row = 1; row < GdMx->Rows(); ++row) {
+        if (Trim(GdMx->TextMatrix(row, Code)).isEmpty())
+            continue;
+        QStringList cells;
+        for (int column = Code; column <= Remark; ++column)
+            cells += GdMx->TextMatrix(row, column);
+        rows += cells;
+    }
+    return rows;
+}
+
+void LineEntry::showLines(QList<QStringList> rows, bool withPrices)
+{
+    if (!withPrices)
+        for (QStringList& cells : rows)
+            cells[Price] = cells[Amount] = Format(0, gPriceFormat);
+    if (rows.isEmpty())
+        GdMx->clearRows();
+    else
+        GdMx->setRows(std::move(rows));
     emit changed();
-    TxtHPBM->clear();
-    TxtHPBM->setFocus();
+}
+
+std::pair<QString, QString> LineEntry::panelTexts() const
+{
+    const std::pair texts(TxtHPBM->text(), TxtSL->text());
+    return texts.first == GdMx->TextMatrix(GdMx->Row(), Code) ? std::pair<QString, QString>() : texts;
+}
+
+void LineEntry::showPanelTexts(const QString& code, const QString& quantity)
+{
+    TxtHPBM->setText(code);
+    TxtSL->setText(quantity);
 }
 
 void LineEntry::deleteLine()

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class Grid;
+class Recordset;
 class GoodsLookup;
 class NewGoodsPanel;
 class QFrame;
@@ -55,6 +56,19 @@ public:
     /// The document's total as `Txt(5)` shows it: money in the price format, or pieces where no prices are kept.
     QString totalText() const;
 
+    /// Enters a line of another document anew: name, unit and price are those that entering its code gives now, and
+    /// what would refuse the line does so here. The caller shows the sums afterwards with `openNextRow`.
+    /// @return why there is no such line, or ""
+    /// @throws StoreError
+    QString takeOver(const QString& code, double quantity, const QString& remark);
+    /// The cells of the rows that hold a code.
+    QList<QStringList> shownLines() const;
+    /// Shows such rows in place of what there is, their prices as 0 if they aren't for this operator.
+    void showLines(QList<QStringList> rows, bool withPrices);
+    /// What stands in the panel, code and quantity, unless it only repeats the current row.
+    std::pair<QString, QString> panelTexts() const;
+    void showPanelTexts(const QString& code, const QString& quantity);
+
     void AddGoodsLine();
     void deleteLine();
     void lookUp();
@@ -87,6 +101,7 @@ private:
     QPoint cellAfter(int row, int column) const;
     void followCell(int row);
     void takeGoods(const QString& code);
+    void fillLastRow(const Recordset& goods);
     int findRow(const QString& code, int except = 0) const;
     void removeRow(int row);
     void keepEmptyRow();

@@ -476,16 +476,21 @@ public:
         if (!QFile(path_).open(QIODevice::WriteOnly)) // the source was opened without leave to create a file
             check(SQLITE_CANTOPEN);
         const QByteArray attach = "attach " + quoted(path_) + " as compacted key " + quoted(password);
-        QByteArray version;
-        const auto readVersion = [](void* to, int, char** row, char**) {
-            *static_cast<QByteArray*>(to) = row[0];
-            return 0;
+        const auto kept = [source](const QByteArray& name) { // the export leaves these numbers out
+            QByteArray number;
+            const auto read = [](void* to, int, char** row, char**) {
+                *static_cast<QByteArray*>(to) = row[0];
+                return 0;
+            };
+            check(sqlite3_exec(source, "pragma " + name, read, &number, nullptr), source);
+            return "pragma compacted." + name + " = " + number;
         };
-        check(sqlite3_exec(source, "pragma user_version", readVersion, &version, nullptr), source);
-        const QByteArray keepVersion = "pragma compacted.user_version = " + version; // the export leaves it out
-        for (const char* step : {"pragma cipher_default_compatibility = 3", attach.constData(),
-                                 "pragma compacted.cipher_page_size = 4096", "pragma compacted.synchronous = full",
-                                 "select sqlcipher_export('compacted')", keepVersion.constData(), "detach compacted"}) {
+        const QByteArray keepVersion = kept("user_version");
+        const QByteArray keepIdentity = kept("application_id");
+        for (const char* step :
+             {"pragma cipher_default_compatibility = 3", attach.constData(), "pragma compacted.cipher_page_size = 4096",
+              "pragma compacted.synchronous = full", "select sqlcipher_export('compacted')", keepVersion.constData(),
+              keepIdentity.constData(), "detach compacted"}) {
             const int code = sqlite3_exec(source, step, nullptr, nullptr, nullptr);
             check(code == SQLITE_ERROR ? SQLITE_IOERR : code, source); // the export keeps to itself what failed in it
         }

@@ -79,7 +79,7 @@ void startCalculator(bool tellWhenMissing)
 template <DocumentKind kind>
 void openDocument()
 {
-    documentForm(kind).Show();
+    documentForm(kind).open();
 }
 
 template <CodeTableKind kind>

@@ -1,6 +1,7 @@
 #include "shell/program_folder.h"
 
 #include "platform/base/files.h"
+#include "platform/base/text.h"
 #include "shell/session.h"
 
 #include <QCryptographicHash>

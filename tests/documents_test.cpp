@@ -8,6 +8,9 @@
 #include "documents/new_goods_panel.h"
 #include "form_test.h"
 #include "ledger/Module1.h"
+#include "ledger/engine.h"
+#include "ledger/identity.h"
+#include "memory_desktop.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
 #include "platform/widgets/grid.h"
@@ -744,6 +747,8 @@ private slots:
                                               u"regtel='电话：027-8'"_s}));
         for (const QString& text : {gCompanyName, u"it's 'urgent'"_s, u"单号："_s + number})
             QVERIFY2(paper.texts.contains(text), qPrintable(text));
+        const QString mark = u"未审核"_s; // on drafts, in both schemes
+        QVERIFY(paper.texts.contains(mark));
 
         // Scheme two prints what the list points at, also when the detail shows another document.
         form.TabS->setCurrentIndex(0);
@@ -762,17 +767,22 @@ private slots:
                              u"regname='O'Hara's 五金'"_s,   u"sumje='%1'"_s.arg(total)};
         if (words.size() > 2)
             formulas += u"qianming='"_s + words[2] + u"'"_s;
+        formulas += u"shenhe=''"_s;
         QCOMPARE(second, number);
         QCOMPARE(paper.formulas, formulas);
         QCOMPARE(ledger_->rows(u"select F0,F1,F6,F7,F8,F9,V1,V2 from Plist order by F0"_s),
                  (QStringList{u"00001|A1|4|2.50|10.00|it's 'urgent'|4|2.5"_s, u"00002|A3|0.5|4.00|2.00||0.5|4"_s}));
-        QVERIFY(paper.texts.contains(u"it's 'urgent'"_s));
+        QVERIFY(paper.texts.contains(u"it's 'urgent'"_s) && paper.texts.contains(mark));
 
         // An audited document prints too; without prices scheme two can't.
         ledger_->run(u"update %1 set F6='李经理'"_s.arg(traitsOf(kind).header));
         form.listAll(QString());
         paper = printed([&] { run(form, shown); });
-        QCOMPARE(words.size() > 2, paper.formulas.last().contains(u"李经理"_s));
+        QCOMPARE(paper.formulas.last(), u"shenhe='李经理'"_s);
+        QCOMPARE(words.size() > 2, paper.formulas.at(6).contains(u"审核人"_s));
+        QVERIFY(!paper.texts.contains(mark));
+        paper = printed([&] { run(form, stored); });
+        QVERIFY(!paper.texts.contains(mark) && paper.texts.contains(u"李经理"_s));
         gWithMoney = 0;
         form.sessionChanged();
         QVERIFY(!form.command(QString::fromLatin1(shown))->isEnabled());
@@ -797,8 +807,8 @@ private slots:
         paper = printed(
             [&] { printShown(traitsOf(DocumentKind::D1), header, *outbound.lines->GdMx, CompactForm::TenRows); });
         QCOMPARE(paper.file, u"Pdan10.rpt"_s);
-        QCOMPARE(paper.formulas.mid(5),
-                 (QStringList{u"sumje='13.50'"_s, u"qianming='制单:小王       审核:老李'"_s, u"sumsl='5.5'"_s}));
+        QCOMPARE(paper.formulas.mid(5), (QStringList{u"sumje='13.50'"_s, u"qianming='制单:小王       审核:老李'"_s,
+                                                     u"sumsl='5.5'"_s, u"shenhe='老李'"_s}));
         const QStringList rows = ledger_->rows(u"select F0,F1,F2,F3,F4,F5,F6,F7,F8 from Plist order by F0"_s);
         QCOMPARE(rows.size(), 10);
         QCOMPARE(rows[1], u"00002|A2|平垫圈|8|片|1.5|1.00|1.50|"_s);
@@ -820,7 +830,117 @@ private slots:
         QCOMPARE(paper.file, u"prnTC2.rpt"_s);
         QCOMPARE(paper.selection, u"{TC2.F1}='PD0411180001'"_s);
         QVERIFY(paper.formulas.isEmpty());
-        QVERIFY(paper.texts.contains(u"盘点人：老王"_s));
+        QVERIFY(paper.texts.contains(u"盘点人：老王"_s) && paper.texts.contains(u"未审核"_s));
+    }
+
+    // What outlives the process ---------------------------------------------------------------------------------------
+
+    /// The moment of the form's next keeping comes now.
+    void keep(DocumentForm& form) { QMetaObject::invokeMethod(form.findChild<QTimer*>(), "timeout"); }
+    /// The form goes as with its process: nothing is said or tidied up, and the lock is free.
+    void die(DocumentForm& form)
+    {
+        form.setProperty("Edstu", 0);
+        form.Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    QFileInfoList keptFiles(const QString& folder)
+    {
+        return QDir(folder + u"/drafts"_s).entryInfoList(QDir::Files, QDir::Name);
+    }
+
+    void anEntryIsOfferedToWhoTypedIt()
+    {
+        const QTemporaryDir user;
+        MemoryDesktop::install().folder = user.path();
+        const QString question = u"上次有一张入库单没有录完，程序就中断了："_s;
+        add(open(DocumentKind::B1), {{u"A1"_s, u"30"_s, {}}, {u"A2"_s, u"5"_s, u"0.7"_s}});
+        DocumentForm& form = documentForm(DocumentKind::B1);
+        keep(form);
+        QFileInfoList files = keptFiles(user.path());
+        QCOMPARE(files.size(), 2); // with its lock
+        QCOMPARE(files[0].suffix(), u"entry"_s);
+        for (const QFileInfo& file : files)
+            QVERIFY(
+                !(file.permissions() & ~(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser)));
+        const auto found = [&] {
+            return KeptSearch(user.path() + u"/drafts"_s, u"B1"_s, QFileInfo(gLedgerFile).canonicalFilePath(), u"001"_s)
+                .found.size();
+        };
+        QCOMPARE(found(), 0U); // its process lives
+        die(form);
+        QCOMPARE(found(), 1U);
+
+        gOperId = u"002"_s;
+        documentForm(DocumentKind::B1).open();
+        gOperId = u"001"_s;
+        const QString identity = ledgerIdentity(gDB);
+        gDB.connection().selectOwn(u"pragma application_id = 7"_s); // as another ledger in the place of this one
+        documentForm(DocumentKind::B1).open();
+        gDB.connection().selectOwn(u"pragma application_id = "_s + identity);
+
+        // The right to see costs is gone, and the number was taken.
+        gCanSeeCost = false;
+        ledger_->run(u"insert into TB1 (F1) values ('RK0411180001')"_s);
+        boxes_->expectStart(question, Answer::Yes);
+        boxes_->expect(u"上次的录入已经打开，请注意：\n\n单号 RK0411180001 已经被占用，改用 RK0411180002"_s);
+        documentForm(DocumentKind::B1).open();
+        DocumentForm& again = documentForm(DocumentKind::B1);
+        QCOMPARE(again.Txt[0]->text(), u"RK0411180002"_s);
+        QCOMPARE(again.lines->GdMx->TextMatrix(2, 3), u"5"_s);
+        QCOMPARE(again.Txt[5]->text(), u"0.00"_s);
+        die(again);
+
+        // Damaged, it is put aside and told of above the list.
+        files = keptFiles(user.path());
+        QFile file(files[0].filePath());
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(file.size() - 20) && file.write("~") == 1);
+        file.close();
+        DocumentForm& third = documentForm(DocumentKind::B1);
+        third.open();
+        QVERIFY(third.findChild<QLabel*>(u"notice"_s)->text().contains(u"已经损坏"_s));
+        QVERIFY(QFile::exists(files[0].filePath() + u"-damaged"_s));
+
+        // Where nothing can be written a line in the form says so, and typing goes on.
+        QDir(user.path()).rename(u"drafts"_s, u"away"_s);
+        QVERIFY(QFile::copy(ledger_->path(), user.filePath(u"drafts"_s)));
+        add(third, {{u"A1"_s, u"1"_s, {}}});
+        keep(third);
+        QVERIFY(third.LabKept->isVisibleTo(&third));
+        QFile::remove(user.filePath(u"drafts"_s));
+        keep(third);
+        QVERIFY(third.LabKept->isHidden());
+        save(third);
+        QVERIFY(keptFiles(user.path()).isEmpty());
+        MemoryDesktop::install();
+    }
+
+    // Copies ----------------------------------------------------------------------------------------------------------
+
+    void aCopyIsEnteredAnew()
+    {
+        gNoOverIssue = 1;
+        ledger_->run(u"insert into TA2 (F1,F2) values ('K1','客户')"_s);
+        ledger_->run(u"insert into TD1 (F1,F2,F3,F5,F6,F10,H8) values "
+                     "('X1','2004-11-1','K1','旧人','审核','附注','2004-11-1 9:05:03')"_s);
+        for (const QStringView line : {u"'A1',4,9,'一'", u"'A2',101,9,'二'", u"'gone',1,9,''"})
+            ledger_->run(u"insert into TD11 (F0,F1,F6,F7,F8) values ('X1',"_s + line + u')');
+        DocumentForm& form = open(DocumentKind::D1);
+        boxes_->expect(u"没有单据可复制！"_s);
+        run(form, "Menu_copy");
+        form.listAll({});
+        boxes_->expect(u"单据 X1 中有几项没有复制过来：\n\nA2库存数量不足！\n货品资料库中已经没有 gone"_s);
+        run(form, "Menu_copy");
+        QCOMPARE(form.Edstu, 1);
+        QCOMPARE(form.CmbLB->currentText(), u"K1.客户"_s);
+        QCOMPARE(form.Txt[6]->text(), u"附注"_s);
+        save(form);
+        QCOMPARE(ledger_->row(u"select F1,F2,F3,F5,F6,F9,F10 from TD1 where F1<>'X1'"_s),
+                 u"CK0411180001|2004-11-18|K1|王小敏|Null|12|附注"_s);
+        QCOMPARE(ledger_->rows(u"select F1,F6,F7,F8 from TD11 where F0='CK0411180001'"_s), QStringList{u"A1|4|3|一"_s});
+        ledger_->run(u"delete from TD1"_s);
+        boxes_->expectStart(u"单据 CK0411180001 已经不在帐本里"_s);
+        run(form, "Menu_copy");
     }
 
     // The form --------------------------------------------------------------------------------------------------------

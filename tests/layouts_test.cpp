@@ -334,8 +334,8 @@ void LayoutsTest::breaksIntoPages()
             const QStringList texts = report.pageTexts(page);
             QVERIFY2(texts.contains(u"第 %1 页 共 %2 页"_s.arg(page).arg(pages)), qPrintable(texts.join(u'\n')));
             for (const ReportItem& item : layout.pageHeader.items)
-                if (item.kind == ReportItem::Kind::Text)
-                    QVERIFY(texts.contains(item.text));
+                if (item.kind == ReportItem::Kind::Text) // the documents in the ledger have an auditor
+                    QCOMPARE(texts.contains(item.text), item.unless != u"审核人");
             if (staging.title[0] != 0)
                 QVERIFY(texts.contains(formulas().value(u"Cpt"_s)));
             QVERIFY2(texts.filter(u"HP-"_s).size() > 0, "totals stand on a page of their own");

@@ -29,6 +29,7 @@ public:
     {
         settings[name(application, section, key)] = value;
     }
+    QString userFolder(const QString&) override { return folder; }
     void open(const QString& target) override { opened += target; }
     void run(const QString& commandLine) override { started += commandLine; }
     void registerClass(const QString& key, const QString& subkey, const QString& value) override
@@ -38,6 +39,7 @@ public:
     void endProcess() override { ++ends; }
 
     QHash<QString, QString> settings; ///< by "application/section/key" in small letters
+    QString folder;                   ///< for the user's own files
     QStringList opened;
     QStringList started;
     QStringList classes; ///< "key|subkey|value"

@@ -20,16 +20,23 @@
 /// A session without windows, login and desktop, for the tools that work the real forms in great numbers.
 namespace headless {
 
-/// Keeps no settings and opens nothing.
+/// Keeps no settings and opens nothing. Without a folder of the user's, nothing is kept there either.
 class Desktop : public DesktopHost
 {
 public:
+    explicit Desktop(QString userFolder = {})
+        : userFolder_(std::move(userFolder))
+    {}
+    QString userFolder(const QString&) override { return userFolder_; }
     QString setting(const QString&, const QString&, const QString&, const QString& preset) override { return preset; }
     void saveSetting(const QString&, const QString&, const QString&, const QString&) override {}
     void open(const QString&) override {}
     void run(const QString&) override {}
     void registerClass(const QString&, const QString&, const QString&) override {}
     void endProcess() override {}
+
+private:
+    QString userFolder_;
 };
 
 /// An operator who says yes. A box that tells a failure ends the program.

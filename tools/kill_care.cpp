@@ -1,6 +1,7 @@
 // Kills the program again and again in the midst of what is done to a whole ledger, and looks at what is left: the
 // ledger opens, is sound and is as before the command or as after it; every backup is sound and the newest good one is
-// still there; and the command comes off when it is given again.
+// still there; and the command comes off when it is given again. And kills it while documents are entered: what was
+// kept of the entry is offered by the next session, unless the ledger has the document.
 //
 // Usage: kill_care [--kills N] [--seed N] [--command NAME]
 
@@ -12,6 +13,7 @@
 #include "ledger/Module1.h"
 #include "ledger/create.h"
 #include "ledger/engine.h"
+#include "ledger/literal.h"
 #include "masterdata/FromExcel.h"
 #include "platform/base/clock.h"
 #include "platform/base/desktop.h"
@@ -26,7 +28,10 @@
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
 
 #include <cstdio>
 #include <optional>
@@ -151,10 +156,8 @@ const Command& commandCalled(const QString& name)
     giveUp(u"no command "_s + name);
 }
 
-int runCommandIn(const Command& command, const Place& place)
+void beginSession(const Place& place)
 {
-    setDialogHost(std::make_unique<SureHost>(command.file ? (place.*command.file)() : QString()));
-    setDesktopHost(std::make_unique<headless::Desktop>());
     setClock(QDateTime(QDate(2004, 11, 18), QTime(9, 5, 3)));
     setProgramFolder(place.folder);
     resetSession();
@@ -167,6 +170,13 @@ int runCommandIn(const Command& command, const Place& place)
     gCanSeeCost = true;
     LoadSettings();
     LoadYearStart();
+}
+
+int runCommandIn(const Command& command, const Place& place)
+{
+    setDialogHost(std::make_unique<SureHost>(command.file ? (place.*command.file)() : QString()));
+    setDesktopHost(std::make_unique<headless::Desktop>());
+    beginSession(place);
     if (!command.tellsReady)
         tell("ready");
     command.run(place);
@@ -274,6 +284,8 @@ void copyPlace(const Place& from, const Place& to)
     }
 }
 
+constexpr int patience = 120'000; ///< in milliseconds
+
 /// The command in a process of its own, killed after so many milliseconds; not at all without them.
 struct Try
 {
@@ -284,7 +296,6 @@ struct Try
 
 Try attempt(const Command& command, const Place& place, std::optional<int> killAfter)
 {
-    constexpr int patience = 120'000;
     Try result;
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(),
@@ -317,6 +328,8 @@ public:
 
     /// False when something was lost.
     bool run(const Command& command, int kills);
+    /// The same for entries of documents.
+    bool runEntries(int kills);
 
 private:
     bool oneKill(const Command& command, const States& states, qint64 duration);
@@ -390,6 +403,112 @@ bool Campaign::oneKill(const Command& command, const States& states, qint64 dura
     return true;
 }
 
+// Documents that are being entered
+// -----------------------------------------------------------------------------------------------
+
+constexpr int linesOfEntry = 8;
+
+/// Enters one document after the other without an end; every fourth is given up. Tells each line once it is kept, as
+/// "kept NUMBER LINES", and what is no entry any more, as "over".
+[[noreturn]] void enterForEver(const Place& place)
+{
+    setDialogHost(std::make_unique<SureHost>(QString()));
+    setDesktopHost(std::make_unique<headless::Desktop>(place.folder));
+    beginSession(place);
+    DocumentForm& form = documentForm(DocumentKind::B1);
+    for (int document = 1;; ++document) {
+        form.Menu_Add();
+        for (int line = 1; line <= linesOfEntry; ++line) {
+            headless::enterLine(form, u"G%1"_s.arg(line, 5, 10, QChar(u'0')), u"3"_s);
+            QMetaObject::invokeMethod(form.findChild<QTimer*>(), "timeout");
+            tell(qPrintable(u"kept %1 %2"_s.arg(form.ReservedNo).arg(line)));
+        }
+        tell("over");
+        if (document % 4 == 0)
+            form.Menu_cancel();
+        else
+            form.Menu_save();
+    }
+}
+
+/// Takes the entry that it is offered.
+class TakingHost : public SureHost
+{
+public:
+    explicit TakingHost(QStringList& questions)
+        : SureHost(QString())
+        , questions_(questions)
+    {}
+    Answer show(const Box& box) override
+    {
+        questions_ += box.text;
+        return SureHost::show(box);
+    }
+
+private:
+    QStringList& questions_;
+};
+
+bool Campaign::runEntries(int kills)
+{
+    const Place place{folder_.filePath(u"entries"_s)};
+    copyPlace(model_, place);
+    int offered = 0;
+    for (int i = 0; i < kills; ++i) {
+        QProcess process;
+        process.start(QCoreApplication::applicationFilePath(), {u"--child"_s, u"entry"_s, place.folder});
+        if (!process.waitForReadyRead(patience))
+            giveUp(u"never began: "_s + QString::fromUtf8(process.readAllStandardError()));
+        QThread::msleep(std::uniform_int_distribution<unsigned long>(0, 150)(random_));
+        const QString drafts = place.file(u"drafts"_s);
+        const QString ledger = QFileInfo(place.ledger()).canonicalFilePath();
+        QStringList faults;
+        if (!KeptSearch(drafts, u"B1"_s, ledger, u"001"_s).found.empty())
+            faults += u"the entry of a process that lives is offered"_s;
+        process.kill();
+        process.waitForFinished(patience);
+        QStringList told = QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        const QStringList last = told.last().split(u' ');
+
+        QStringList questions;
+        setDialogHost(std::make_unique<TakingHost>(questions));
+        setDesktopHost(std::make_unique<headless::Desktop>(place.folder));
+        beginSession(place);
+        if (!KeptSearch(drafts, u"B1"_s, ledger, u"001"_s).damaged.isEmpty())
+            faults += u"a damaged entry"_s;
+        DocumentForm& form = documentForm(DocumentKind::B1);
+        form.open();
+        const int lines = form.lines->count();
+        const QString number = form.ReservedNo;
+        static const QRegularExpression offeredNumber(u"单号 (\\w+)"_s);
+        const QString asked = offeredNumber.match(questions.join(QString())).captured(1);
+        const bool stored =
+            !asked.isEmpty() && LookupValue(gDB, u"select F1 from TB1 where F1="_s + sqlText(asked)) == asked;
+        if (form.Edstu == 0 && last[0] == u"kept")
+            faults += u"the entry is gone: "_s + told.last();
+        else if (last[0] == u"kept" && (number != last[1] || lines < last[2].toInt()))
+            faults += u"kept was %1, offered is %2 with %3"_s.arg(told.last(), number).arg(lines);
+        if (stored)
+            faults += u"a stored document is offered: "_s + asked;
+        if (form.Edstu != 0) {
+            ++offered;
+            form.Menu_cancel();
+        }
+        headless::endSession();
+        if (const QStringList left = QDir(drafts).entryList({u"*.entry"_s}); !left.isEmpty())
+            faults += u"left behind: "_s + left.join(u' ');
+        if (!faults.isEmpty()) {
+            folder_.setAutoRemove(false);
+            std::fprintf(stderr, "entry, see %s:\n  %s\n", qPrintable(place.folder),
+                         qPrintable(faults.join(u"\n  "_s)));
+            return false;
+        }
+    }
+    std::printf("%-9s %4d kills: %d entries offered, %d at a moment with none\n", "entry", kills, offered,
+                kills - offered);
+    return true;
+}
+
 bool Campaign::tellFaults(const Command& command, const Place& place, const QStringList& faults)
 {
     folder_.setAutoRemove(false);
@@ -407,6 +526,8 @@ int main(int argc, char** argv)
     const QStringList arguments = application.arguments();
     if (arguments.size() == 4 && arguments[1] == u"--child") {
         try {
+            if (arguments[2] == u"entry")
+                enterForEver(Place{arguments[3]});
             return runCommandIn(commandCalled(arguments[2]), Place{arguments[3]});
         } catch (const StoreError& error) {
             giveUp(error.description());
@@ -427,9 +548,9 @@ int main(int argc, char** argv)
     }
     std::printf("seed %u\n", seed);
     Campaign campaign(seed);
-    const int each = only.isEmpty() ? (kills + int(std::size(commands)) - 1) / int(std::size(commands)) : kills;
+    const int each = only.isEmpty() ? kills / int(std::size(commands) + 1) + 1 : kills;
     for (const Command& command : commands)
         if ((only.isEmpty() || only == QLatin1StringView(command.name)) && !campaign.run(command, each))
             return 1;
-    return 0;
+    return (only.isEmpty() || only == u"entry") && !campaign.runEntries(each) ? 1 : 0;
 }

@@ -171,6 +171,15 @@ void Player::addActing()
         const Found found = world::find(line.operands[0]);
         return !found || !world::showing(found.form);
     };
+    handlers_[u"idle"_s] = [this](const Line& line, int phase) {
+        if (phase == 0)
+            idle_.start();
+        return idle_.elapsed() < 1000LL * line.integer(0);
+    };
+    handlers_[u"crash"_s] = [this](const Line&, int) {
+        handOver();
+        return false;
+    };
     handlers_[u"clock"_s] = [this](const Line& line, int) {
         state_.clock = clockMoment(line.operands[0], Now());
         setClock(state_.clock);

@@ -96,6 +96,7 @@ void ScriptedDialogs::doEvents()
 
 ScriptedDesktop::ScriptedDesktop(SessionState& state, const QString& sessionFolder, std::function<void()> end)
     : state_(state)
+    , sessionFolder_(sessionFolder)
     , settings_(sessionFolder)
     , end_(std::move(end))
 {}
@@ -111,6 +112,11 @@ void ScriptedDesktop::saveSetting(const QString& application, const QString& sec
 {
     if (!settings_.set(application, section, key, value))
         fail(u"the session's settings to be written"_s, u"a failure to write"_s);
+}
+
+QString ScriptedDesktop::userFolder(const QString&)
+{
+    return sessionFolder_ + u"/user"_s;
 }
 
 void ScriptedDesktop::open(const QString& target)

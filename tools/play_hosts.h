@@ -42,6 +42,7 @@ public:
                     const QString& preset) override;
     void saveSetting(const QString& application, const QString& section, const QString& key,
                      const QString& value) override;
+    QString userFolder(const QString& application) override;
     void open(const QString& target) override;
     void run(const QString& commandLine) override;
     void registerClass(const QString& key, const QString& subkey, const QString& value) override;
@@ -49,6 +50,7 @@ public:
 
 private:
     SessionState& state_;
+    QString sessionFolder_;
     SettingsFile settings_;
     std::function<void()> end_;
 };

@@ -195,14 +195,19 @@ void Player::openProgram(const QString& commandLine)
 {
     if (programEnded_) {
         --state_.next;
-        if (!state_.save(order_.sessionFolder))
-            fail(u"the session to be handed over"_s, u"a failure to write"_s);
-        leaveProcess(HandOver);
+        handOver();
     }
     if (started_)
         fail(u"a program that hasn't started or has ended"_s, u"one that runs"_s);
     started_ = true;
     runCommand([&commandLine] { runEntry(commandLine); });
+}
+
+void Player::handOver()
+{
+    if (!state_.save(order_.sessionFolder))
+        fail(u"the session to be handed over"_s, u"a failure to write"_s);
+    leaveProcess(HandOver);
 }
 
 void Player::programEnds()

@@ -4,6 +4,7 @@
 #include "tools/play_state.h"
 #include "tools/play_world.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 
@@ -61,6 +62,8 @@ private:
     [[noreturn]] void programEnds();
 
     void openProgram(const QString& commandLine);
+    /// Ends this process as it stands, no destructor run; the lines left are for the next worker.
+    [[noreturn]] void handOver();
     bool playBeside(const QString& path, int phase);
     /// Runs `use` on the ledger, also on the one that was open when the program ended.
     void withLedger(const std::function<void(Database&)>& use);
@@ -76,6 +79,7 @@ private:
     QHash<QString, Handler> handlers_;
     std::unique_ptr<Session> beside_;
 
+    QElapsedTimer idle_;
     QList<int> levels_; ///< loop levels of what runs and hasn't returned: no line is played at or below the last
     bool posted_ = false;
     int calmTurns_ = 0;

@@ -29,6 +29,11 @@ void SaveSetting(const QString& application, const QString& section, const QStri
     desktop().saveSetting(application, section, key, value);
 }
 
+QString userFolder(const QString& application)
+{
+    return currentDesktop ? currentDesktop->userFolder(application) : QString();
+}
+
 void ShellExecute(const QString& target)
 {
     desktop().open(target);

@@ -17,6 +17,9 @@ public:
                             const QString& preset) = 0;
     virtual void saveSetting(const QString& application, const QString& section, const QString& key,
                              const QString& value) = 0;
+    /// Where this user's own files of the program go that are no settings, outside all shared folders; "" where a host
+    /// has no such place. It need not exist.
+    virtual QString userFolder(const QString&) { return {}; }
     virtual void open(const QString& target) = 0;     ///< a folder, page or mail address
     virtual void run(const QString& commandLine) = 0; ///< a program, its arguments behind a blank
     /// One text value of the class root of file types.
@@ -29,6 +32,7 @@ void setDesktopHost(std::unique_ptr<DesktopHost> host);
 
 QString GetSetting(const QString& application, const QString& section, const QString& key, const QString& preset = {});
 void SaveSetting(const QString& application, const QString& section, const QString& key, const QString& value);
+QString userFolder(const QString& application);
 /// Opens a folder ("file://..."), a web page or a mail message.
 void ShellExecute(const QString& target);
 void Shell(const QString& commandLine);

@@ -4,7 +4,9 @@
 #include <QFileInfo>
 
 #include <filesystem>
-#ifndef Q_OS_WIN
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
 #include <fcntl.h>
 #include <unistd.h>
 #endif
@@ -21,6 +23,15 @@ void syncFolderOf([[maybe_unused]] const QString& path)
         return;
     fsync(descriptor);
     close(descriptor);
+#endif
+}
+
+bool syncFile(int descriptor)
+{
+#ifdef Q_OS_WIN
+    return _commit(descriptor) == 0;
+#else
+    return fsync(descriptor) == 0;
 #endif
 }
 
@@ -42,6 +53,21 @@ bool replaceDurably(const QString& from, const QString& to)
         return false;
     syncFolderOf(to);
     return true;
+}
+
+bool writePrivately(const QString& path, const QByteArray& content)
+{
+    const QString half = path + QStringLiteral("-part");
+    QFile::remove(half); // what a killed process left might not be ours to read
+    QFile file(half);
+    const bool written =
+        file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+        file.write(content) == content.size() && file.flush() && syncFile(file.handle());
+    file.close();
+    if (written && replaceDurably(half, path))
+        return true;
+    QFile::remove(half);
+    return false;
 }
 
 bool removeDurably(const QString& path)

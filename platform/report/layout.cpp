@@ -275,6 +275,7 @@ std::optional<ReportItem> LayoutReader::readItem(const ReportBand& band, ReportI
     const std::optional<double> size = kind == Kind::Line ? std::optional(0.0) : std::nullopt;
     item.place = {number(u"x", 0) * mmUnits, number(u"y", 0) * mmUnits, number(u"w", size) * mmUnits,
                   number(u"h", drawn ? size : band.height / mmUnits) * mmUnits};
+    item.unless = text(u"unless");
     item.thickness = number(u"thick", 0.2, 0.05, 5) * mmUnits;
     if (!drawn) {
         item.fontSize = int(std::lround(number(u"size", fontSize_, 4, 72) * ptUnits));

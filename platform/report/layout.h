@@ -41,6 +41,7 @@ struct ReportItem
     QString mask;
     bool blankZero = false;
     QString omitted; ///< a value that prints nothing
+    QString unless;  ///< a column, or a formula where no column is called so: only where it is blank the item prints
     bool bold = false;
     bool frame = false;
     int fontSize = 32; ///< the em
@@ -51,6 +52,7 @@ struct ReportItem
     double thickness = 2;
     qint64 line = 0;
     int column = -1; ///< filled by the report
+    int unlessColumn = -1;
 };
 
 struct ReportBand

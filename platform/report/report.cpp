@@ -183,8 +183,10 @@ void Report::resolveColumns()
         return -1;
     };
     const auto resolve = [&indexOf](ReportBand& band) {
-        for (ReportItem& item : band.items)
+        for (ReportItem& item : band.items) {
             item.column = indexOf(item.name);
+            item.unlessColumn = item.unless.isEmpty() ? -1 : indexOf(item.unless);
+        }
     };
     for (ReportBand* band :
          {&layout_.reportHeader, &layout_.pageHeader, &layout_.detail, &layout_.summary, &layout_.pageFooter})
@@ -395,6 +397,14 @@ double Report::sumOf(const ReportItem& item, qsizetype first, qsizetype end) con
     return sum;
 }
 
+/// Whether what the item names in `unless` is blank. Without a row there is nothing to be told about.
+bool Report::blankAt(const ReportItem& item, qsizetype row) const
+{
+    if (item.unlessColumn < 0)
+        return Trim(texts_.value(item.unless.toLower())).isEmpty();
+    return row >= 0 && Trim(rows_->value(row, item.unlessColumn).text()).isEmpty();
+}
+
 QString Report::textOf(const ReportItem& item, qsizetype row, int page) const
 {
     const QString text = contentOf(item, row, page);
@@ -544,6 +554,8 @@ void Report::eachPiece(int page, Take take) const
     const auto takeBand = [&](const Piece& piece) {
         const auto rises = piece.blank ? std::vector<Rise>() : risesOf(*piece.band, piece.row, page, piece.room);
         for (const ReportItem& item : piece.band->items) {
+            if (!item.unless.isEmpty() && !blankAt(item, piece.row))
+                continue;
             const double top = shifted(item.place.top(), rises);
             const double left = layout_.margins.left() + item.place.left();
             take(item, QRectF(left, piece.y + top, item.place.width(), shifted(item.place.bottom(), rises) - top),

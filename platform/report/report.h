@@ -126,6 +126,7 @@ private:
     double bottom() const;
     double heightOf(const ReportBand& band, qsizetype row, double room) const;
     std::vector<Rise> risesOf(const ReportBand& band, qsizetype row, int page, double room) const;
+    bool blankAt(const ReportItem& item, qsizetype row) const;
     QString textOf(const ReportItem& item, qsizetype row, int page) const;
     QString contentOf(const ReportItem& item, qsizetype row, int page) const;
     QString formatted(const ReportItem& item, const Value& value) const;

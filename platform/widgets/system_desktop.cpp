@@ -149,6 +149,11 @@ public:
         settings.sync();
     }
 
+    QString userFolder(const QString& application) override
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + application.toLower();
+    }
+
     void open(const QString& target) override
     {
         const QString fileScheme = u"file://"_s;
