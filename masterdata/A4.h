@@ -6,7 +6,7 @@ class PictureBox;
 
 /// The goods master: categories, units, prices, limits, pictures. Under two settings "001" also edits the stock and the
 /// opening balance here; all other movements of stock are the documents'.
-class A4 : public RecordForm
+class A4 final : public RecordForm
 {
     Q_OBJECT
 

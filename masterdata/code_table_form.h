@@ -4,7 +4,7 @@
 #include "masterdata/record_form.h"
 
 /// Suppliers, consignees and categories of goods. Which of the three it is comes from one CodeTableTraits row.
-class CodeTableForm : public RecordForm
+class CodeTableForm final : public RecordForm
 {
     Q_OBJECT
 
