@@ -35,7 +35,10 @@ QString withoutColon(const QString& text)
     return trimmed.endsWith(u'：') || trimmed.endsWith(u':') ? trimmed.chopped(1) : trimmed;
 }
 
-/// The columns of a report's table, and where the items of its bands belong among them.
+} // namespace
+
+/// The columns of a report's table, and where the items of its bands belong among them. Not in the unnamed namespace,
+/// as a class of the report has them.
 class TableColumns
 {
 public:
@@ -99,8 +102,6 @@ public:
 private:
     QList<const ReportItem*> items_;
 };
-
-} // namespace
 
 class Report::TableMaker
 {
