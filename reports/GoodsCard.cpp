@@ -60,7 +60,9 @@ GoodsCard::GoodsCard()
     fields->add(u"货品编码："_s, Txt);
     fields->add(u"日期由"_s, DTP[0]);
     fields->add(u"至"_s, DTP[1]);
-    fields->addUnlabelled(Cmd);
+    auto* button = new QWidget;
+    button->setLayout(makeRow({Cmd, nullptr}));
+    fields->addUnlabelled(button);
     fields->newRow();
     for (int i = 0; i < int(std::size(Lab)); ++i) {
         captions_[i] = makeLabel(u"LabCaption"_s, cardCaptions[i].toString(), i);

@@ -80,14 +80,14 @@ ChartContent GoodsChart::chart() const
     ChartContent::Series balance{u"月末结存"_s, style::Role::ChartBalance, {}};
     ChartContent content;
     for (const GoodsMonth& month : months_) {
-        content.places += month.first.month() == 1 || content.places.isEmpty() ? monthText(month.first)
-                                                                               : u"%1月"_s.arg(month.first.month());
+        content.places += u"%1月"_s.arg(month.first.month());
         in.values += month.in;
         out.values += month.out;
         balance.values += month.closing;
     }
     if (history_)
-        content.title = Trim(history_->name + u' ' + history_->model) + u" 最近十二个月的进出"_s;
+        content.title = Trim(history_->name + u' ' + history_->model) + u"的进出（"_s +
+                        monthText(months_.first().first) + u" 至 "_s + monthText(months_.last().first) + u"）"_s;
     content.bars = {in, out};
     content.lines = {balance};
     return content;

@@ -63,12 +63,12 @@ Listing StockChart::byCategory()
         .statusName = u"库存构成"_s,
         .totalCaption = u"合计："_s,
         .right = OperatorRight::Stock,
-        .columns = {{u"类别编码"_s, 76, {}},
-                    {u"类别名称"_s, 110, {}},
-                    {u"货品种数"_s, 72, {}, ListContent::Quantity, true},
-                    {u"库存数量"_s, 92, {}, ListContent::Quantity, true},
-                    {u"成本金额"_s, 110, {}, ListContent::Money, true},
-                    {u"占比"_s, 64, {}}},
+        .columns = {{u"类别编码"_s, 68, {}},
+                    {u"类别名称"_s, 90, {}},
+                    {u"货品种数"_s, 68, {}, ListContent::Quantity, true},
+                    {u"库存数量"_s, 80, {}, ListContent::Quantity, true},
+                    {u"成本金额"_s, 100, {}, ListContent::Money, true},
+                    {u"占比%"_s, 56, {}, ListContent::Quantity}},
         .from = {},
         .condition = {},
         .filter = {},
@@ -105,7 +105,7 @@ Listing StockChart::byCategory()
                             category.figures[int(Measure::Goods)],
                             category.figures[int(Measure::Quantity)],
                             costMayBeSeen() ? Value(category.figures[int(Measure::Cost)]) : Value(),
-                            part ? Value(Format(100 * value / total, u"#0.0") + u'%') : Value()};
+                            part ? Value(Val(Format(100 * value / total, u"#0.0"))) : Value()};
                 const QString name = category.name.isEmpty() ? category.code : category.name;
                 shares_ += {name.isEmpty() ? u"（无类别）"_s : name, value};
             }

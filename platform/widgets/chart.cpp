@@ -119,7 +119,8 @@ QChart* makeChart(const ChartContent& content, ChartColour colour)
                                                 : static_cast<QAbstractBarSeries*>(new QBarSeries);
     for (const ChartContent::Series& series : content.bars)
         bars->append(barSet(series, content.sideways, colour(series.colour), ink));
-    bars->setBarWidth(0.7);
+    const double share = double(content.places.size()) / 10;
+    bars->setBarWidth(content.sideways ? std::clamp(share, 0.2, 0.7) : 0.7); // a few would be as broad as a hand
     bars->setLabelsVisible(content.sideways);
     bars->setLabelsPosition(QAbstractBarSeries::LabelsOutsideEnd);
     bars->setLabelsPrecision(12);
