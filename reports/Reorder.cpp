@@ -1,8 +1,6 @@
 #include "reports/Reorder.h"
 
-#include "ledger/literal.h"
 #include "platform/base/clock.h"
-#include "platform/base/date.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
 #include "reports/GoodsCard.h"
@@ -13,6 +11,8 @@
 #include <QHash>
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
 namespace {
 
@@ -43,8 +43,8 @@ bool purchasePriceMayBeSeen()
     return purchasesMayBeSeen() && gCanSeeCost && gWithMoney != 0;
 }
 
-/// Pieces on inbound drafts, by goods. A draft is what the sufficiency of stock counts as one: a document whose auditor
-/// is Null. One whose audit was undone promises nothing.
+/// Pieces on inbound drafts, by folded code. A draft is what the sufficiency of stock counts as one: a document whose
+/// auditor is Null. One whose audit was undone promises nothing.
 QHash<std::string, double> promisedPieces()
 {
     QHash<std::string, double> pieces;
@@ -56,19 +56,63 @@ QHash<std::string, double> promisedPieces()
     return pieces;
 }
 
-/// The newest audited inbound line of a goods item: supplier's name, day, price.
-std::array<Value, 3> lastPurchase(const QString& code)
+/// The newest audited inbound line of each goods item. Every line passes by once: asked for goods item by goods item a
+/// long list would take seconds.
+class LastPurchases
 {
-    const Recordset line = gDB.OpenRecordset(
-        u"select top 1 TB1.F2,TB1.F3,TB11.F7 from TB11 inner join TB1 on TB1.F1=TB11.F0 where TB1.F6 IS NOT NULL and "
-        "TB1.F6<>'' and TB11.F1="_s +
-        sqlText(code) + u" order by TB1.F2 desc,TB1.H8 desc"_s);
-    if (line.isEOF())
-        return {};
-    const QString partner = line.Fields(1).text();
-    const QString name = LookupValue(gDB, u"select F2 from TA1 where F1="_s + sqlText(partner));
-    return {Value(name == u"NoFound" ? partner : name), line.Fields(0), line.Fields(2)};
-}
+public:
+    LastPurchases()
+    {
+        qsizetype rank = 0;
+        gDB.walk(u"select F1,F3,F2 from TB1 where F6 IS NOT NULL and F6<>'' order by F2,H8"_s,
+                 [&](const PassingRow& row) {
+                     documents_[foldedCode(row.text(0))] = {shown(row.text(1)), shown(row.text(2)), ++rank};
+                 });
+        gDB.walk(u"select F1,F0,F7 from TB11"_s, [&](const PassingRow& line) {
+            const auto document = documents_.find(foldedCode(line.text(1)));
+            if (document == documents_.end())
+                return;
+            Purchase& last = purchases_[foldedCode(line.text(0))];
+            if (!last.document || document->second.rank >= last.document->rank)
+                last = {&document->second, line.number(2)};
+        });
+        for (Recordset rows = gDB.OpenRecordset(u"select F1,F2 from TA1"_s); !rows.isEOF(); rows.MoveNext())
+            suppliers_[foldedCode(rows.Fields(0).text())] = rows.Fields(1).text();
+    }
+
+    /// Supplier's name (his code, where he has gone), day, price; nothing for goods that were never bought.
+    std::array<Value, 3> of(const QString& code) const
+    {
+        const auto last = purchases_.find(foldedCode(code));
+        if (last == purchases_.end())
+            return {};
+        const Document& document = *last->second.document;
+        const auto supplier = suppliers_.find(foldedCode(document.supplier));
+        return {Value(supplier == suppliers_.end() ? document.supplier : supplier->second), Value(document.day),
+                Value(last->second.price)};
+    }
+
+private:
+    struct Document
+    {
+        QString supplier;
+        QString day;
+        qsizetype rank = 0; ///< in order of time
+    };
+    struct Purchase
+    {
+        const Document* document = nullptr;
+        double price = 0;
+    };
+    template <class Held>
+    using ByCode = std::unordered_map<std::string, Held, CodeHash, std::equal_to<>>;
+
+    static QString shown(std::string_view text) { return QString::fromUtf8(text.data(), qsizetype(text.size())); }
+
+    ByCode<Document> documents_;
+    ByCode<Purchase> purchases_;
+    ByCode<QString> suppliers_;
+};
 
 } // namespace
 
@@ -125,7 +169,9 @@ Listing Reorder::shortages()
             .compute = [this, range = range_](const Listing& asked) {
                 const ReadRun oneMoment(gDB);
                 const auto promised = promisedPieces();
-                const bool purchases = purchasesMayBeSeen();
+                std::optional<LastPurchases> purchases;
+                if (purchasesMayBeSeen())
+                    purchases.emplace();
                 const bool prices = purchasePriceMayBeSeen();
                 int withDrafts = 0;
                 QList<QList<Value>> records;
@@ -151,7 +197,7 @@ Listing Reorder::shortages()
                     row += highest == 0 ? Value() : Value(highest); // 0 means no upper limit
                     row += lacking(lowest);
                     row += highest > 0 ? lacking(highest) : Value();
-                    const auto [supplier, day, price] = purchases ? lastPurchase(code) : std::array<Value, 3>();
+                    const auto [supplier, day, price] = purchases ? purchases->of(code) : std::array<Value, 3>();
                     row += {supplier, day, prices ? price : Value()};
                     withDrafts += drafts != 0;
                     records += std::move(row);

@@ -35,6 +35,7 @@ using MovedByGoods = std::unordered_map<std::string, MovedGoods, CodeHash, std::
 
 /// A code as the ledger compares it, without regard to ASCII case.
 std::string foldedCode(const QString& code);
+std::string foldedCode(std::string_view code); ///< in UTF-8
 
 /// What the audited documents dated within the days `from` and `to` moved. The sums are, to the last bit, those that
 /// one statement for each goods item gives: the lines of a goods item are added in the order of its index, by document

@@ -344,8 +344,8 @@ inline constexpr const char16_t* systemStatements[] = {
     u"TA4.F3=TA3.F1 where TA4.F8<>0 group by TA4.F3,TA3.F2",
     u"select TB11.F1,SUM(TB11.F6) AS SLSL from TB11 inner join TB1 on TB1.F1=TB11.F0 WHERE TB1.F6 IS NULL GROUP BY "
     u"TB11.F1",
-    u"select top 1 TB1.F2,TB1.F3,TB11.F7 from TB11 inner join TB1 on TB1.F1=TB11.F0 where TB1.F6 IS NOT NULL and "
-    u"TB1.F6<>'' and TB11.F1='A1' order by TB1.F2 desc,TB1.H8 desc",
+    u"select F1,F3,F2 from TB1 where F6 IS NOT NULL and F6<>'' order by F2,H8",
+    u"select F1,F0,F7 from TB11",
     // Operators and settings
     u"select * from TE1 order by F1",
     u"delete from TE1 where F1='002'",
