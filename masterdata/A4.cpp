@@ -474,6 +474,8 @@ QStringList A4::savedRow() const
 
 void A4::Menu_card()
 {
+    if (!requireRight(table_.right))
+        return;
     if (listEmpty())
         return MsgBox(u"请先选一种货品。"_s);
     GoodsCard::open(listCell(CodeColumn));
@@ -481,6 +483,8 @@ void A4::Menu_card()
 
 void A4::Menu_flow()
 {
+    if (!requireRight(table_.right))
+        return;
     if (listEmpty())
         return MsgBox(u"请先选一种货品。"_s);
     GoodsChart::open(listCell(CodeColumn));
