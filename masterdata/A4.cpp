@@ -6,6 +6,8 @@
 #include "platform/base/dialogs.h"
 #include "platform/widgets/picture.h"
 #include "platform/widgets/style.h"
+#include "reports/GoodsCard.h"
+#include "reports/GoodsChart.h"
 #include "reports/printing.h"
 
 #include <QPainter>
@@ -87,6 +89,9 @@ A4::A4()
     addListCommands();
     addModeCommand(u"Menu_Txm"_s, u"&T.打印条码"_s, Shown::Never, {});
     addEndCommands();
+    QMenu* views = addModeMenu(u"Menu_V"_s, u"&V.查看"_s, Shown::Viewing);
+    addModeCommand(views, u"Menu_card"_s, u"&1.货品卡片"_s, Shown::Viewing, [this] { Menu_card(); });
+    addModeCommand(views, u"Menu_flow"_s, u"&2.货品进出图"_s, Shown::Viewing, [this] { Menu_flow(); });
     buildList();
     buildDetail();
     fillCategories();
@@ -469,6 +474,24 @@ QStringList A4::savedRow() const
     const auto number = [this](Field field) { return plainText(Val(Txt[field]->text())); };
     return {Txt[CodeField]->text(), text(NameField), text(Category), text(Unit),       text(Model),
             number(CostPrice),      text(Remark),    categoryCode_,  number(SalePrice)};
+}
+
+void A4::Menu_card()
+{
+    if (!requireRight(table_.right))
+        return;
+    if (listEmpty())
+        return MsgBox(u"请先选一种货品。"_s);
+    GoodsCard::open(listCell(CodeColumn));
+}
+
+void A4::Menu_flow()
+{
+    if (!requireRight(table_.right))
+        return;
+    if (listEmpty())
+        return MsgBox(u"请先选一种货品。"_s);
+    GoodsChart::open(listCell(CodeColumn));
 }
 
 bool A4::queryUnload()

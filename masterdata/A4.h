@@ -15,6 +15,8 @@ public:
     static QString formName() { return u"A4"_s; }
 
     void choosePicture(); ///< while a record is entered
+    void Menu_card();     ///< of the current goods
+    void Menu_flow();     ///< their in and out, as a chart
 
     /// `Txt`: code, name, category's name, unit, model, cost, remark, sale price, lowest and highest stock, opening
     /// quantity and price.

@@ -1,7 +1,13 @@
 #include "reports/C1.h"
 
 #include "ledger/literal.h"
+#include "platform/base/dialogs.h"
 #include "platform/widgets/controls.h"
+#include "platform/widgets/grid.h"
+#include "reports/GoodsCard.h"
+#include "reports/GoodsChart.h"
+#include "reports/Reorder.h"
+#include "reports/StockChart.h"
 #include "reports/grid_rows.h"
 #include "reports/printing.h"
 
@@ -76,6 +82,11 @@ C1::C1(Mode mode)
     addListCommand(nullptr, u"Menu_print"_s, u"&P.打印"_s, [this] { Menu_print(); });
     addBarcodeCommand();
     addReturnCommand();
+    QMenu* views = addCommandMenu(u"Menu_V"_s, u"&V.查看"_s);
+    addListCommand(views, u"Menu_card"_s, u"&1.货品卡片"_s, [this] { Menu_card(); });
+    addListCommand(views, u"Menu_flow"_s, u"&2.货品进出图"_s, [this] { Menu_flow(); });
+    addListCommand(views, u"Menu_share"_s, u"&3.库存构成图"_s, [] { theForm<StockChart>().Show(); });
+    addListCommand(views, u"Menu_reorder"_s, u"&4.补货清单"_s, [] { theForm<Reorder>().Show(); });
     start(mode);
 }
 
@@ -147,6 +158,28 @@ void C1::Menu_print()
     }
     stageRows(u"PRTc1"_s, u"F0,F1,F2,F3,F4,F5,F6,F7,F8"_s, rows);
     preview({u"Prntc1.rpt"_s, {}, {}});
+}
+
+/// "" on the row of sums and in an empty list.
+QString C1::currentCode() const
+{
+    return GD->Row() <= count() ? GD->TextMatrix(GD->Row(), 0) : QString();
+}
+
+void C1::Menu_card()
+{
+    if (const QString code = currentCode(); !code.isEmpty())
+        GoodsCard::open(code);
+    else
+        MsgBox(u"请先选一种货品。"_s);
+}
+
+void C1::Menu_flow()
+{
+    if (const QString code = currentCode(); !code.isEmpty())
+        GoodsChart::open(code);
+    else
+        MsgBox(u"请先选一种货品。"_s);
 }
 
 QList<QueryField> C1::queryFields() const

@@ -24,6 +24,8 @@ public:
     /// All goods, at that price; the operator's conditions stay in force.
     void Menu_Price(Price price);
     void Menu_print();
+    void Menu_card(); ///< of the current row's goods
+    void Menu_flow(); ///< in and out of the current row's goods, as a chart
 
     void sessionChanged() override;
 
@@ -36,6 +38,7 @@ private:
     explicit C1(Mode mode);
     void start(Mode mode);
     bool costShown() const;
+    QString currentCode() const;
 
     bool apart_ = false;
     bool sawCost_ = gCanSeeCost; ///< the operator of the present list may see the cost

@@ -61,9 +61,14 @@ private:
 
 std::string foldedCode(const QString& code)
 {
-    std::string folded;
     const QByteArray text = code.toUtf8();
-    foldCode(std::string_view(text.constData(), size_t(text.size())), folded);
+    return foldedCode(std::string_view(text.constData(), size_t(text.size())));
+}
+
+std::string foldedCode(std::string_view code)
+{
+    std::string folded;
+    foldCode(code, folded);
     return folded;
 }
 

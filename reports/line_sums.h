@@ -29,6 +29,7 @@ using ByGoods = std::unordered_map<std::string, Sum, CodeHash, std::equal_to<>>;
 
 /// A code as the ledger compares it, without regard to ASCII case.
 std::string foldedCode(const QString& code);
+std::string foldedCode(std::string_view code); ///< in UTF-8
 
 /// How documents and lines are brought together: from the documents that count, or from all lines. The sums are the
 /// same.

@@ -41,6 +41,7 @@ void preview(const PrintOrder& order)
     for (int i = 0; i < order.formulas.size(); ++i)
         form.Cry.Formulas(i) = order.formulas[i];
     form.Cry.SelectionFormula = order.selectionFormula;
+    form.Cry.Pictures = order.pictures;
     form.Cry.Destination = ReportControl::toWindow;
     if (const QString fault = form.run(); !fault.isEmpty())
         return errorBox(fault);

@@ -2,6 +2,8 @@
 
 #include "platform/base/text.h"
 
+#include <QHash>
+#include <QImage>
 #include <QStringList>
 
 /// What all print commands of the forms share: test the layout, stage the rows, show the preview.
@@ -12,6 +14,7 @@ struct PrintOrder
     QString reportFile;       ///< in the program folder, found without regard to case
     QStringList formulas;     ///< name='value', in order from index 0
     QString selectionFormula; ///< {TB1.F1}='K...' for a layout that reads a document itself; "" for all rows
+    QHash<QString, QImage> pictures = {}; ///< by the name that the layout has for them
 };
 
 /// Whether that layout file stands in the program folder; tells the operator by that message when it doesn't.

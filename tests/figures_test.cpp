@@ -12,8 +12,12 @@
 #include "reports/C18.h"
 #include "reports/C181.h"
 #include "reports/C3.h"
+#include "reports/GoodsCard.h"
+#include "reports/GoodsChart.h"
 #include "reports/Lst.h"
 #include "reports/Query.h"
+#include "reports/Reorder.h"
+#include "reports/StockChart.h"
 #include "scripted_dialogs.h"
 #include "session_fixture.h"
 
@@ -54,6 +58,7 @@ struct Paper
     QString remark;
     QList<Item> items;
     State state = State::Draft;
+    QDate stepped = {}; ///< on that day it was audited, or the audit undone
 
     bool in() const { return kind == B1 || kind == D3; }
 };
@@ -238,6 +243,7 @@ private:
         QVERIFY2(boxes_->finished(), qPrintable(boxes_->report()));
 
         paper.state = state;
+        paper.stepped = today_;
         for (Item& item : paper.items) {
             Goods& goods = goods_[item.code];
             if (paper.kind == C2) {
@@ -473,6 +479,24 @@ private:
         return expected.withSums(u"合计："_s, {10, 11, 12, 13});
     }
 
+    /// What moved that goods item, in the order of its card: a count keeps no moment and ends its day.
+    QList<std::pair<const Paper*, double>> movements(const QString& code) const
+    {
+        QList<std::pair<const Paper*, double>> moved;
+        for (const Paper& paper : papers_)
+            for (const Item& item : paper.items)
+                if (item.code == code && paper.state == State::Audited)
+                    moved.append({&paper, paper.kind == C2 ? item.quantity - item.book
+                                                           : (paper.in() ? item.quantity : -item.quantity)});
+        std::stable_sort(moved.begin(), moved.end(), [](const auto& a, const auto& b) {
+            const auto place = [](const Paper& p) {
+                return std::tuple(p.date, p.kind == C2, p.kind == C2 ? QDate() : p.stepped, p.number);
+            };
+            return place(*a.first) < place(*b.first);
+        });
+        return moved;
+    }
+
     static void ask(const Form& form, QDate from, QDate to)
     {
         form.findChild<DatePicker*>(u"DTP(0)"_s)->setText(Written::day(from));
@@ -585,6 +609,111 @@ private slots:
                                          {StatisticsMode::D2, D1},
                                          {StatisticsMode::D4, D3}})
             compare(Lst::theWindow(mode), kind, u"数量"_s);
+    }
+
+    void cardsAndCharts()
+    {
+        const auto pieces = [](double value) { return Written::pieces(rounded(value, 6)); };
+        for (const auto& [code, goods] : goods_) {
+            double balance = yearOpening.at(code).stock, in = 0, out = 0;
+            std::map<int, std::array<double, 3>> months; // in, out, counted
+            std::map<int, double> closing;
+            QStringList expected{u"2004-1-1|年初结存|||||"_s + pieces(balance)};
+            for (const auto& [paper, change] : movements(code)) {
+                const bool comes = paper->kind == C2 ? change > 0 : paper->in();
+                const QString who = paper->kind == C2 ? paper->partner : partners.at(paper->partner);
+                balance += change;
+                (comes ? in : out) += std::abs(change);
+                (paper->kind == C2 ? months[paper->date.month()][2] += change
+                                   : months[paper->date.month()][comes ? 0 : 1] += std::abs(change));
+                const bool nothing = change == 0;
+                expected += QStringList{Written::day(paper->date),
+                                        traitsOf(paper->kind).documentName(),
+                                        paper->number,
+                                        who,
+                                        comes && !nothing ? pieces(std::abs(change)) : QString(),
+                                        comes || nothing ? QString() : pieces(std::abs(change)),
+                                        pieces(balance)}
+                                .join(u'|');
+            }
+            expected += u"合计：||||"_s + pieces(in) + u'|' + pieces(out) + u'|';
+            QCOMPARE(pieces(balance), pieces(goods.stock)); // else the record is wrong itself
+            GoodsCard::open(code);
+            auto& card = theForm<GoodsCard>();
+            QStringList shown;
+            for (const QString& line : linesOf(card.GD))
+                shown += line.section(u'|', 0, 6);
+            QCOMPARE(shown, expected);
+            QVERIFY2(card.LabEnd->text().endsWith(u"与现存数量一致。"_s), qPrintable(card.LabEnd->text()));
+
+            GoodsChart::open(code);
+            QStringList table;
+            double left = yearOpening.at(code).stock;
+            for (int month = 1; month <= 9; ++month) {
+                const auto& [came, went, counted] = months[month];
+                const double before = left;
+                left += came - went + counted;
+                table += QStringList{u"2004-0%1"_s.arg(month), pieces(before), pieces(came), pieces(went),
+                                     pieces(counted),          pieces(left)}
+                             .join(u'|');
+            }
+            QCOMPARE(linesOf(theForm<GoodsChart>().GD).mid(3, 9), table);
+        }
+
+        StockChart chart;
+        std::map<QString, std::array<double, 3>> shares; // by category: goods, pieces, money
+        double whole = 0;
+        for (const auto& [code, goods] : goods_)
+            if (goods.stock != 0) {
+                auto& [kinds, stock, money] = shares[goods.category];
+                kinds += 1;
+                stock += goods.stock;
+                money += goods.stock * goods.cost;
+                whole += goods.stock * goods.cost;
+            }
+        QStringList table;
+        for (const auto& [category, share] : shares)
+            table += QStringList{category,         categories.at(category),  pieces(share[0]),
+                                 pieces(share[1]), Written::money(share[2]), withoutZeros(100 * share[2] / whole, 1)}
+                         .join(u'|');
+        QCOMPARE(sorted(linesOf(chart.GD).first(2)), sorted(table));
+        QCOMPARE(linesOf(chart.GD)[2].section(u'|', 4, 4), Written::money(whole));
+
+        Reorder reorder;
+        table.clear();
+        for (const auto& [code, goods] : goods_) {
+            double drafts = 0;
+            const Paper* last = nullptr;
+            double price = 0;
+            eachLine([&, &code = code](const Paper& paper, const Item& item, const Goods&) {
+                if (item.code != code || paper.kind != B1)
+                    return;
+                drafts += paper.state == State::Draft ? item.quantity : 0;
+                if (paper.state == State::Audited && (!last || paper.date >= last->date)) {
+                    last = &paper;
+                    price = item.price;
+                }
+            });
+            if (goods.stock >= goods.low)
+                continue;
+            const double has = goods.stock + drafts;
+            table += QStringList{code,
+                                 pieces(goods.stock),
+                                 drafts == 0 ? QString() : pieces(drafts),
+                                 pieces(goods.low),
+                                 goods.high == 0 ? QString() : pieces(goods.high),
+                                 pieces(std::max(goods.low - has, 0.0)),
+                                 goods.high == 0 ? QString() : pieces(std::max(goods.high - has, 0.0)),
+                                 last ? partners.at(last->partner) : QString(),
+                                 last ? Written::day(last->date) : QString(),
+                                 last ? Written::money(price) : QString()}
+                         .join(u'|');
+        }
+        QVERIFY(!table.isEmpty());
+        QStringList listed;
+        for (const QString& line : linesOf(reorder.GD))
+            listed += line.section(u'|', 0, 0) + u'|' + line.section(u'|', 5);
+        QCOMPARE(sorted(listed), sorted(table));
     }
 
     void c3() { compare(theForm<C3>(), C2, u"核算价格"_s); }

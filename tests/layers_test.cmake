@@ -7,7 +7,7 @@ set(ledger          platform/base ledger shell/session.h)
 set(features        platform/base platform/workbook platform/widgets platform/report ledger shell/session.h reports)
 set(documents       ${features} documents)
 set(masterdata      ${features} masterdata admin)
-set(reports         ${features} admin/YearEnd.h)
+set(reports         ${features} admin/YearEnd.h documents/document_kind.h documents/document_opening.h)
 set(admin           ${features} admin masterdata/record_form.h)
 
 set(broken "")

@@ -59,6 +59,10 @@ constexpr Staging stagings[] = {
     {"pjxc01.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10", "nctpuqqqqqq"},
     {"Pjxc02.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13", "nctpqmqmqmqmgt"},
     {"Ptijian.rpt", "Plist", "F0,F1,F2,F3,F4", "ncttt", ""},
+    {"Pkapian.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6,V1,V2,V3", "nductttQQQ"},
+    {"Pbuhuo.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,V1,V2,V3,V4,V5", "ncttuttdqqPPPPP"},
+    {"Ptukc.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6", "nctqqmt", ""},
+    {"Ptujc.rpt", "Plist", "F0,F1,F2,F3,F4,F5,F6", "ncqqqqq", ""},
 };
 // clang-format on
 

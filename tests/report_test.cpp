@@ -115,6 +115,7 @@ private slots:
     void longTextsShrinkInAFixedRow();
     void blankRowsFillThePage();
     void offsetMovesThePage();
+    void picturesFitTheirPlace();
     void pdfIsWrittenWhole();
 };
 
@@ -323,6 +324,18 @@ void ReportTest::offsetMovesThePage()
     const Report plain(layoutOf(note), noteRows(3), noteTexts);
     const Report moved(layoutOf(text), noteRows(3), noteTexts);
     QCOMPARE(inkOf(moved, 1), inkOf(plain, 1).translated(15, -7));
+}
+
+void ReportTest::picturesFitTheirPlace()
+{
+    const ReportLayout layout = layoutOf(uR"(<report title="图"><paper size="A4"/>
+      <detail height="50"><picture name="Chart" x="20" y="10" w="60" h="30"/></detail></report>)"_s);
+    QImage black(90, 90, QImage::Format_RGB32);
+    black.fill(Qt::black);
+    const Report report(layout, listRows({{}}), {}, {}, {{u"chart"_s, black}});
+    QCOMPARE(inkOf(report, 1), QRect(450, 200, 300, 300));
+    QVERIFY(report.pageTexts(1).isEmpty() && report.table().captions.isEmpty());
+    QVERIFY(inkOf(Report(layout, listRows({{}}), {}), 1).isEmpty()); // nothing given, nothing printed
 }
 
 void ReportTest::pdfIsWrittenWhole()

@@ -334,6 +334,18 @@ inline constexpr const char16_t* systemStatements[] = {
     u"insert into Plist (F0,F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13) VALUES "
     u"('00001','a','b','c','d','e','f','g','h','i','j','k','l','m')",
     u"select TA3.F1 AS LB from TA3 left join TA4 on TA3.F1=TA4.F3 where TA4.F1='A1'",
+    // The card and the chart of a goods item, the chart of the stock, what must be bought
+    u"select F1,F2,F5,F4,F3,F8,F7,F71,V1,V2,V3 from TA4 where F1='A1'",
+    u"select TB1.F2,TB1.F1,TB1.F3,TB1.F6,TB1.F10,TB11.F6,0 as ZM,TB11.H8 from TB11 inner join TB1 on TB1.F1=TB11.F0 "
+    u"where TB1.F6 IS NOT NULL and TB1.F6<>'' and TB11.F1='A1'",
+    u"select TC2.F2,TC2.F1,TC2.F3,TC2.F6,TC2.F10,TC21.F6,TC21.F5,0 as SJ from TC21 inner join TC2 on TC2.F1=TC21.F0 "
+    u"where TC2.F6 IS NOT NULL and TC2.F6<>'' and TC21.F1='A1'",
+    u"select TA4.F3,TA3.F2 AS LB,SUM(TA4.F7*TA4.F8) AS JE,SUM(TA4.F8) AS SL,COUNT(*) AS ZS from TA4 left join TA3 on "
+    u"TA4.F3=TA3.F1 where TA4.F8<>0 group by TA4.F3,TA3.F2",
+    u"select TB11.F1,SUM(TB11.F6) AS SLSL from TB11 inner join TB1 on TB1.F1=TB11.F0 WHERE TB1.F6 IS NULL GROUP BY "
+    u"TB11.F1",
+    u"select F1,F3,F2 from TB1 where F6 IS NOT NULL and F6<>'' order by F2,H8",
+    u"select F1,F0,F7 from TB11",
     // Operators and settings
     u"select * from TE1 order by F1",
     u"delete from TE1 where F1='002'",

@@ -254,7 +254,7 @@ void LayoutReader::readItems(ReportBand& band)
 {
     using Kind = ReportItem::Kind;
     const QStringList names{u"text"_s,      u"field"_s, u"formula"_s, u"sum"_s, u"count"_s,
-                            u"rownumber"_s, u"page"_s,  u"line"_s,    u"box"_s};
+                            u"rownumber"_s, u"page"_s,  u"line"_s,    u"box"_s, u"picture"_s};
     children([&](QStringView name) {
         const qsizetype kind = names.indexOf(name);
         if (kind < 0)
@@ -277,7 +277,7 @@ std::optional<ReportItem> LayoutReader::readItem(const ReportBand& band, ReportI
                   number(u"h", drawn ? size : band.height / mmUnits) * mmUnits};
     item.unless = text(u"unless");
     item.thickness = number(u"thick", 0.2, 0.05, 5) * mmUnits;
-    if (!drawn) {
+    if (!drawn && kind != Kind::Picture) {
         item.fontSize = int(std::lround(number(u"size", fontSize_, 4, 72) * ptUnits));
         item.bold = flag(u"bold");
         item.frame = flag(u"frame");
@@ -289,7 +289,7 @@ std::optional<ReportItem> LayoutReader::readItem(const ReportBand& band, ReportI
         item.before = text(u"before");
         item.after = text(u"after");
     }
-    if (kind == Kind::Field || kind == Kind::Formula || kind == Kind::Sum)
+    if (kind == Kind::Field || kind == Kind::Formula || kind == Kind::Sum || kind == Kind::Picture)
         item.name = text(kind == Kind::Sum ? u"field" : u"name", true);
     if (kind == Kind::Field)
         item.omitted = text(u"omit");

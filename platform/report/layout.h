@@ -26,14 +26,14 @@ struct LayoutFault
 
 struct ReportItem
 {
-    enum class Kind { Text, Field, Formula, Sum, Count, RowNumber, Page, Line, Box };
+    enum class Kind { Text, Field, Formula, Sum, Count, RowNumber, Page, Line, Box, Picture };
     enum class Fit { Wrap, Shrink };
     enum class Over { Report, Group, Page };
     enum class Format { AsIs, Mask, Capitals, Date, LongDate };
 
     Kind kind = Kind::Text;
     QRectF place; ///< within the band, from the left margin
-    QString name; ///< the column, or the name of the formula
+    QString name; ///< the column, or the name of the formula or picture
     QString text; ///< of Text and Page; what a Formula shows that the caller did not give
     QString before;
     QString after;

@@ -133,13 +133,15 @@ QStringList Report::Measure::wrap(const QString& text, bool bold, double size, d
 }
 
 Report::Report(ReportLayout layout, std::shared_ptr<const RowSource> rows, const QHash<QString, QString>& texts,
-               QSizeF printersPaper)
+               QSizeF printersPaper, const QHash<QString, QImage>& pictures)
     : layout_(std::move(layout))
     , rows_(std::move(rows))
     , measure_(std::make_unique<Measure>())
 {
     for (auto i = texts.begin(); i != texts.end(); ++i)
         texts_.insert(i.key().toLower(), i.value());
+    for (auto i = pictures.begin(); i != pictures.end(); ++i)
+        pictures_.insert(i.key().toLower(), i.value());
     build(printersPaper);
 }
 
@@ -147,6 +149,7 @@ Report::Report(const Report& other, QSizeF printersPaper)
     : layout_(other.layout_)
     , rows_(other.rows_)
     , texts_(other.texts_)
+    , pictures_(other.pictures_)
     , measure_(std::make_unique<Measure>())
 {
     build(printersPaper);
@@ -452,6 +455,7 @@ QString Report::contentOf(const ReportItem& item, qsizetype row, int page) const
         break;
     case Kind::Line:
     case Kind::Box:
+    case Kind::Picture:
         break;
     }
     return text;
@@ -516,6 +520,14 @@ void Report::drawItem(QPainter& painter, const ReportItem& item, const QRectF& p
             painter.drawLine(place.topLeft(), place.bottomRight());
         else
             painter.drawRect(place);
+    }
+    if (item.kind == Kind::Picture) {
+        const QImage picture = pictures_.value(item.name.toLower());
+        QRectF fitted({}, QSizeF(picture.size()).scaled(place.size(), Qt::KeepAspectRatio));
+        fitted.moveCenter(place.center());
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        if (!picture.isNull())
+            painter.drawImage(fitted, picture);
     }
     if (text.isEmpty())
         return;

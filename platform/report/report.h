@@ -5,6 +5,7 @@
 #include "platform/workbook/table_file.h"
 
 #include <QHash>
+#include <QImage>
 #include <QSizeF>
 #include <QStringList>
 
@@ -51,9 +52,10 @@ class Report
 public:
     /// @param layout  its columns must be among those of the rows (`missingColumn`)
     /// @param texts   the formulas, by name (case does not matter)
+    /// @param pictures  likewise; a layout's place for one that isn't among them stays blank
     /// @param printersPaper  size in millimetres for a layout that takes the printer's own paper; empty if unknown
     Report(ReportLayout layout, std::shared_ptr<const RowSource> rows, const QHash<QString, QString>& texts,
-           QSizeF printersPaper = {});
+           QSizeF printersPaper = {}, const QHash<QString, QImage>& pictures = {});
     /// The same report on a printer's paper of another size.
     Report(const Report& other, QSizeF printersPaper);
     Report(const Report&) = delete;
@@ -140,6 +142,7 @@ private:
     ReportLayout layout_;
     std::shared_ptr<const RowSource> rows_;
     QHash<QString, QString> texts_;
+    QHash<QString, QImage> pictures_;
     std::unique_ptr<Measure> measure_;
     std::vector<std::vector<qsizetype>> groupStarts_; ///< by group, rows where one begins
     std::vector<int> breakLevels_;                    ///< by row, the outermost group that begins there

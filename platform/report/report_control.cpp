@@ -81,7 +81,7 @@ QString ReportControl::load()
         return fault->text();
     if (layout.printersPaper)
         printersPaper_ = Job.paper.isEmpty() ? printers().paperOf(Job.printer) : Job.paper;
-    report_ = std::make_shared<Report>(std::move(layout), rows, texts, printersPaper_);
+    report_ = std::make_shared<Report>(std::move(layout), rows, texts, printersPaper_, Pictures);
     return {};
 }
 

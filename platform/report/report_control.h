@@ -42,6 +42,7 @@ public:
 
     QString& DataFiles(int index) { return dataFiles_[index]; }
     QString& Formulas(int index) { return formulas_[index]; } ///< name='value', from 0
+    QHash<QString, QImage> Pictures;                          ///< by the name that the layout has for them
     /// 1 runs the report: reads it for the window, or prints the one that the window has.
     /// @return "" or what is wrong with layout, texts or printer, for the operator
     QString setAction(int action);

@@ -19,7 +19,7 @@ double overlap(const QRectF& a, const QRectF& b)
 bool isWritten(const ReportItem& item)
 {
     using Kind = ReportItem::Kind;
-    return item.kind != Kind::Line && item.kind != Kind::Box && item.kind != Kind::Page &&
+    return item.kind != Kind::Line && item.kind != Kind::Box && item.kind != Kind::Page && item.kind != Kind::Picture &&
            item.over != ReportItem::Over::Page;
 }
 

@@ -392,7 +392,8 @@ Grid::Grid(const QString& name, QWidget* parent)
     });
     for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
         connect(model_, change, this, &Grid::unpinTotals);
-    connect(model_, &QAbstractItemModel::modelReset, this, &Grid::unpinTotals);
+    // Before it: behind a reset nobody knows any more which row was hidden, and a row of the new list would stay so.
+    connect(model_, &QAbstractItemModel::modelAboutToBeReset, this, &Grid::unpinTotals);
     connect(model_, &QAbstractItemModel::dataChanged, totals_, qOverload<>(&QWidget::update));
 
     addAction(u"GridCopy"_s, u"复制(&C)"_s, QKeySequence::Copy, &Grid::copySelection);

@@ -54,6 +54,9 @@ constexpr auto shades = std::to_array<Shade>({
     {Role::Warning,       u"warning",       0xffa15c00, 0xfff0bd6a},
     {Role::WarningGround, u"warningGround", 0xfffdeed3, 0xff40321a},
     {Role::Negative,      u"negative",      0xffb3261e, 0xffff8a80},
+    {Role::ChartIn,       u"chartIn",       0xff2f7fc6, 0xff5aa6e6},
+    {Role::ChartOut,      u"chartOut",      0xffdd8a2b, 0xffe8a252},
+    {Role::ChartBalance,  u"chartBalance",  0xff2b6b4f, 0xff8fd6b0},
 });
 // clang-format on
 
@@ -334,6 +337,11 @@ QColor color(Role role)
 {
     const Shade& shade = shades[static_cast<size_t>(role)];
     return QColor::fromRgb(state().dark ? shade.dark : shade.light);
+}
+
+QColor paperColor(Role role)
+{
+    return QColor::fromRgb(shades[static_cast<size_t>(role)].light);
 }
 
 QIcon icon()

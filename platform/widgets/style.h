@@ -33,7 +33,10 @@ enum class Role {
     GoodGround,
     Warning,
     WarningGround,
-    Negative
+    Negative,
+    ChartIn,
+    ChartOut,
+    ChartBalance
 };
 
 enum class Scheme { FollowSystem, Light, Dark };
@@ -44,6 +47,8 @@ enum class Scheme { FollowSystem, Light, Dark };
 void apply(QApplication& application, Scheme scheme = Scheme::FollowSystem);
 bool dark();
 QColor color(Role role);
+/// The light one, also where the program looks dark: for pictures that go on paper or into other programs.
+QColor paperColor(Role role);
 /// The program's icon, painted in code.
 QIcon icon();
 /// Removes the pictures that the stylesheet uses; for an end of the process that runs no destructor.

@@ -1,0 +1,99 @@
+#include "reports/GoodsChart.h"
+
+#include "platform/base/clock.h"
+#include "platform/base/dialogs.h"
+
+namespace {
+
+QString monthText(QDate month)
+{
+    return month.toString(u"yyyy-MM"_s);
+}
+
+} // namespace
+
+GoodsChart::GoodsChart()
+    : ChartForm(formName())
+{
+    addChartCommands();
+    empty(monthly());
+}
+
+void GoodsChart::open(const QString& code)
+{
+    if (!requireRight(OperatorRight::Stock))
+        return;
+    auto& form = theForm<GoodsChart>();
+    form.code_ = code;
+    form.list(form.monthly());
+    if (!form.history_) {
+        form.Unload();
+        return MsgBox(u"没有编码为“"_s + code + u"”的货品。"_s);
+    }
+    form.Show();
+}
+
+Listing GoodsChart::monthly()
+{
+    const auto quantity = [](const QString& caption, bool summed = false) {
+        return ListColumn{caption, 84, {}, ListContent::Quantity, summed};
+    };
+    return {.caption = u"货品进出图"_s,
+            .statusName = u"货品进出"_s,
+            .totalCaption = u"合计："_s,
+            .right = OperatorRight::Stock,
+            .columns = {{u"月份"_s, 72, {}},
+                        quantity(u"月初结存"_s),
+                        quantity(u"入库"_s, true),
+                        quantity(u"出库"_s, true),
+                        quantity(u"盘点盈亏"_s, true),
+                        quantity(u"月末结存"_s)},
+            .from = {},
+            .condition = {},
+            .filter = {},
+            .orders = {QString()},
+            .compute = [this](const Listing&) {
+                history_ = goodsHistory(code_);
+                months_ = history_ ? goodsMonths(*history_, Today()) : QList<GoodsMonth>();
+                QList<QList<Value>> records;
+                for (const GoodsMonth& month : std::as_const(months_))
+                    records +=
+                        {monthText(month.first), month.opening, month.in, month.out, month.counted, month.closing};
+                return records;
+            }};
+}
+
+QString GoodsChart::about() const
+{
+    if (!history_)
+        return u"没有编码为“"_s + code_ + u"”的货品。"_s;
+    QStringList words{history_->code, history_->name, history_->model};
+    words.removeAll(QString());
+    return words.join(u"　"_s) + (history_->unit.isEmpty() ? QString() : u"（"_s + history_->unit + u"）"_s) +
+           u"　现存 "_s + Format(history_->stock, u"#0.###");
+}
+
+ChartContent GoodsChart::chart() const
+{
+    ChartContent::Series in{u"入库"_s, style::Role::ChartIn, {}};
+    ChartContent::Series out{u"出库"_s, style::Role::ChartOut, {}};
+    ChartContent::Series balance{u"月末结存"_s, style::Role::ChartBalance, {}};
+    ChartContent content;
+    for (const GoodsMonth& month : months_) {
+        content.places += u"%1月"_s.arg(month.first.month());
+        in.values += month.in;
+        out.values += month.out;
+        balance.values += month.closing;
+    }
+    if (history_)
+        content.title = Trim(history_->name + u' ' + history_->model) + u"的进出（"_s +
+                        monthText(months_.first().first) + u" 至 "_s + monthText(months_.last().first) + u"）"_s;
+    content.bars = {in, out};
+    content.lines = {balance};
+    return content;
+}
+
+ChartForm::Paper GoodsChart::paper() const
+{
+    return {u"Ptujc.rpt"_s, u"货品进出图"_s, about()};
+}
