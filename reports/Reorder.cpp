@@ -5,7 +5,7 @@
 #include "platform/widgets/grid.h"
 #include "reports/GoodsCard.h"
 #include "reports/grid_rows.h"
-#include "reports/period_figures.h"
+#include "reports/line_sums.h"
 #include "reports/printing.h"
 
 #include <QHash>
