@@ -429,8 +429,7 @@ void DocumentForm::unloaded()
 
 void DocumentForm::Menu_Add()
 {
-    ReservedNo = NextDocNumber(kind_.prefix.toString(), kind_.headerTable());
-    DanNoReserve(ReservedNo, 0);
+    ReservedNo = NextDocNumberReserved(kind_.prefix.toString(), kind_.headerTable());
     fillPartners();
     clearDetail();
     if (CmbLB && CmbLB->count() > 0)
@@ -664,7 +663,11 @@ bool DocumentForm::auditable()
 
 bool DocumentForm::afterLockDate(const QString& before, const QString& behind)
 {
-    LoadYearStart();
+    {
+        const ReadRun reads(gDB);
+        requireReadable(gDB); // a look-up that failed would open the days of saved reports again
+        LoadYearStart();
+    }
     const auto days = DateDiff(gYearStart, listCell(Date));
     if (!days)
         MsgBox(u"“"_s + listCell(Date) + u"”不是有效的日期！"_s);

@@ -336,6 +336,8 @@ void A4::showRecord()
         LabInfo->setText(noPicture.toString());
         return showPicture();
     }
+    const ReadRun reads(gDB); // one moment, and no field is empty only because its look-up failed
+    requireReadable(gDB);
     rereadRow();
     for (int i = CodeField; i <= Remark; ++i)
         Txt[i]->setText(listCell(i));
