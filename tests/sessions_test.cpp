@@ -117,6 +117,19 @@ const Command commands[] = {
      [] { theForm<Login>().Cmd[0]->click(); }, nullptr},
 };
 
+const Command& commandCalled(const QByteArray& name)
+{
+    return *std::find_if(std::begin(commands), std::end(commands),
+                         [&](const Command& command) { return command.name == name; });
+}
+
+/// What a command does and tells undisturbed.
+struct Usual
+{
+    QString before, after;
+    QStringList boxes;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(const Command*)
@@ -148,7 +161,6 @@ private:
     {
         if (!command.state)
             return gOperId;
-        ledger_->letGo(); // the file may be another one now
         return ledger_->value(QString::fromLatin1(command.state));
     }
     void beginAtWork()
@@ -310,7 +322,7 @@ private slots:
         QTest::addColumn<QString>("command");
         QTest::addColumn<int>("place");
         for (const QString& command : {u"audit B1 甲"_s, u"save B1"_s})
-            for (int place : {0, 4, 9, 14, 17, 19, 21, 24})
+            for (int place : {0, 9, 14, 19})
                 QTest::addRow("%s %d", qPrintable(command.section(u' ', 0, 0)), place) << command << place;
     }
 
@@ -359,10 +371,14 @@ private slots:
     {
         QTest::addColumn<QString>("trouble");
         QTest::addColumn<const Command*>("command");
-        for (const char* trouble :
-             {"write lock", "commit lock", "read lock", "dead disk", "renamed folder", "other files"})
+        const auto add = [](const char* trouble, const Command& command) {
+            QTest::addRow("%s, %s", command.name, trouble) << QString::fromLatin1(trouble) << &command;
+        };
+        for (const char* trouble : {"write lock", "commit lock", "read lock", "dead disk", "renamed folder"})
             for (const Command& command : commands)
-                QTest::addRow("%s, %s", command.name, trouble) << QString::fromLatin1(trouble) << &command;
+                add(trouble, command);
+        for (const char* name : {"save", "audit", "generate report"})
+            add("other files", commandCalled(name));
     }
 
     /// Told, kept on screen, and done once when it is given again behind the trouble.
@@ -370,21 +386,23 @@ private slots:
     {
         QFETCH(QString, trouble);
         QFETCH(const Command*, command);
-        // What it does and tells undisturbed.
+        static QHash<const Command*, Usual> known;
+        if (!known.contains(command)) {
+            makeDraft();
+            command->prepare();
+            Usual& usual = known[command];
+            usual.before = stateOf(*command);
+            clerk_->boxes.clear();
+            command->run();
+            usual.after = stateOf(*command);
+            usual.boxes = clerk_->boxes;
+            QVERIFY2(usual.before != usual.after, qPrintable(usual.before));
+            endAtWork();
+            beginAtWork();
+        }
+        const auto& [before, after, usual] = known[command];
         makeDraft();
         command->prepare();
-        const QString before = stateOf(*command);
-        clerk_->boxes.clear();
-        command->run();
-        const QString after = stateOf(*command);
-        const QStringList usual = clerk_->boxes;
-        QVERIFY2(before != after, qPrintable(before));
-        endAtWork();
-
-        beginAtWork();
-        makeDraft();
-        command->prepare();
-        QCOMPARE(stateOf(*command), before);
         ledger_->letGo();
         std::unique_ptr<Operator> other;
         const bool lock = trouble.endsWith(u"lock");
@@ -411,6 +429,7 @@ private slots:
             QVERIFY(QFile::copy(renamedFolder() + u"/帐本.hcn"_s, ledger_->path()));
             QVERIFY(QDir(renamedFolder()).removeRecursively());
         }
+        ledger_->letGo(); // the file may be another one now
 
         const auto news = [&](const QString& box) { return !usual.contains(box); };
         if (stateOf(*command) == before) {
@@ -432,19 +451,20 @@ private slots:
     void theFolderGoesInTheMidstOfARun_data()
     {
         QTest::addColumn<QString>("command");
-        QTest::newRow("save") << u"save"_s;
-        QTest::newRow("audit") << u"audit"_s;
+        QTest::addColumn<int>("step");
+        QTest::newRow("save") << u"save"_s << 1;
+        QTest::newRow("audit") << u"audit"_s << 4;
     }
 
     /// At each operation on the disk; what was told as done is there when the folder is back, and nothing twice.
     void theFolderGoesInTheMidstOfARun()
     {
         QFETCH(QString, command);
-        const auto& given = *std::find_if(std::begin(commands), std::end(commands),
-                                          [&](const Command& each) { return command == QLatin1StringView(each.name); });
+        QFETCH(int, step);
+        const Command& given = commandCalled(command.toLatin1());
         bool met = true;
         int tries = 0;
-        for (; met; ++tries) {
+        for (; met; tries += step) {
             makeDraft();
             given.prepare();
             const QString before = stateOf(given);
@@ -594,7 +614,7 @@ private slots:
         const auto document = [this](const QString& header, const QString& auditor) {
             ledger_->run(
                 u"insert into %1 (F1,F2,F3,F5,F6) values ('新的','2004-11-18','001','甲',%2)"_s.arg(header, auditor));
-            ledger_->run(u"insert into %11 (F0,F1,F6,F7) values ('新的','A1',5,2)"_s.arg(header));
+            ledger_->run(u"insert into "_s + header + u"1 (F0,F1,F6,F7) values ('新的','A1',5,2)");
         };
         Form* form = nullptr;
         std::function<void()> change = [&] {
