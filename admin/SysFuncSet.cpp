@@ -284,6 +284,7 @@ void SysFuncSet::save()
 {
     const SettingsBefore before;
     bool saved = true;
+    QString reason; // where it is none of the ledger's version
     try {
         writeAll();
     } catch (const StoreError& error) { // an old ledger lacks rows or columns; what was written so far stays
@@ -292,12 +293,17 @@ void SysFuncSet::save()
         // can't be read anew: such a disk may refuse that too.
         if (!error.details().aftermath.isEmpty())
             before.restore();
+        if (error.kind() == StoreError::Kind::Locked || error.kind() == StoreError::Kind::Disk ||
+            error.kind() == StoreError::Kind::Missing)
+            reason = error.description();
     }
     if (saved)
         MsgBox(u"您的设置已生效！"_s, QString());
     else
         MsgBox(u"您的帐本文件版本过旧，无法进行系统设置！"_s);
     Unload();
+    if (!reason.isEmpty()) // the box above knows one reason only
+        errorBox(u"系统功能设置没有保存，请稍后重新设置。没有保存的原因：\n"_s + reason);
 }
 
 /// What changed, in this order; each global follows its row, so that a failure leaves both at the same setting.

@@ -45,7 +45,7 @@ QString freeName(const QString& folder, QStringView command)
 
 /// Keeps the newest ones, and what was made just now whatever the clock said before. A file that can't be removed
 /// stays; it is looked at again the next time.
-void dropOldCopies(const QString& folder, const QStringList& needed)
+void dropOldCopies(const QString& folder, const QString& made, const QString& inUse)
 {
     QStringList old;
     for (const QString& name : QDir(folder).entryList(QDir::Files, QDir::Name)) {
@@ -59,7 +59,7 @@ void dropOldCopies(const QString& folder, const QStringList& needed)
     }
     const qsizetype surplus = old.size() - safetyCopiesKept;
     for (qsizetype i = 0; i < surplus; ++i)
-        if (!needed.contains(old[i]))
+        if (old[i] != made && !sameFile(old[i], inUse)) // which may have been chosen by another path
             QFile::remove(old[i]);
 }
 
@@ -73,7 +73,7 @@ bool safetyCopy(QStringView command, const QString& inUse)
         const QString folder = safetyFolder();
         const QString target = freeName(folder, command);
         DBEngine::copyDatabase(gLedgerFile, target, ledgerConnect.toString());
-        dropOldCopies(folder, {target, resolvedPath(inUse)});
+        dropOldCopies(folder, target, inUse);
         return true;
     } catch (const StoreError& error) { // told with the question
         trouble = error.description();

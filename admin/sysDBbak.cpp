@@ -1,6 +1,7 @@
 #include "admin/sysDBbak.h"
 
 #include "ledger/store.h"
+#include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/files.h"
 #include "platform/base/number.h"
@@ -41,6 +42,21 @@ QString automaticNote(const QString& last)
            backupFolder() +
            u"\n\n     注意：如果是在局域网上运行本软件，备份操作只在数据库本地电脑上有效！上次自动备份的时间为："_s +
            last;
+}
+
+/// Without its ledger the session can do nothing. Another operator may be backing it up just now.
+void reopenLedger()
+{
+    for (;;) {
+        try {
+            gDB = DBEngine::OpenDatabase(gLedgerFile, ledgerConnect.toString());
+            return;
+        } catch (const StoreError& error) {
+            if (!askYesNo(u"现在不能重新打开帐本！原因如下：\n"_s + error.description() +
+                          u"\n\n要再试一次吗？选“否”退出系统。"_s))
+                return endProcess();
+        }
+    }
 }
 
 } // namespace
@@ -130,14 +146,13 @@ void sysDBbak::backUpNow()
             gDB.Close();
             DoEvents();
             DBEngine::CompactDatabase(gLedgerFile, *target, ledgerConnect.toString());
-            gDB = DBEngine::OpenDatabase(gLedgerFile, ledgerConnect.toString());
             done = true;
         } catch (const StoreError& error) {
             if (error.kind() != StoreError::Kind::Locked) // the box knows that reason only
                 tellTrouble(u"    没有完成的原因："_s + error.details().what);
-            gDB = DBEngine::OpenDatabase(gLedgerFile, ledgerConnect.toString());
         }
     }
+    reopenLedger();
     if (done)
         MsgBox(u"备份完成！请妥善保存备份文件！"_s);
     else

@@ -682,7 +682,11 @@ bool DocumentForm::auditable()
 
 bool DocumentForm::afterLockDate(const QString& before, const QString& behind)
 {
-    LoadYearStart();
+    {
+        const ReadRun reads(gDB);
+        requireReadable(gDB); // a look-up that failed would open the days of saved reports again
+        LoadYearStart();
+    }
     const auto days = DateDiff(gYearStart, listCell(Date));
     if (!days)
         MsgBox(u"“"_s + listCell(Date) + u"”不是有效的日期！"_s);

@@ -320,7 +320,7 @@ QString DocumentForm::numberAgain(const QString& number)
         !number.isEmpty() && number != noNumberLeft && DanNoFree(result) &&
         LookupValue(gDB, u"select F1 from "_s + kind_.header + u" where F1="_s + sqlText(number)) == u"NoFound";
     if (!free)
-        result = NextDocNumber(kind_.prefix.toString(), kind_.headerTable());
+        return NextDocNumberReserved(kind_.prefix.toString(), kind_.headerTable());
     DanNoReserve(result, 0);
     return result;
 }

@@ -94,20 +94,23 @@ void NewGoodsPanel::save()
         return refuse(caption(Category) + u"不能为空！"_s, CmbHPLB);
 
     TxtN[Category]->setText(Trim(codeOf(CmbHPLB->currentText())));
-    const QString category = LookupValue(gDB, u"select F2 from TA3 where F1="_s + sqlText(TxtN[Category]->text()));
-    if (category.isEmpty() || category == u"NoFound")
-        return refuse(u"编码输入错误！"_s, CmbHPLB);
     const QString code = Trim(TxtN[Code]->text()).toUpper();
-    TxtN[Code]->setText(code);
-    const QString name = LookupValue(gDB, u"select F2 from TA4 where F1="_s + sqlText(code));
-    if (name != u"NoFound")
-        return refuse(u'[' + name + u"]已经使用了"_s + caption(Code) + u"这个编码，请重新设置编码!"_s, TxtN[Code]);
+    {
+        const WriteRun run(gDB); // from the test of the code on, so that nobody else takes it meanwhile
+        const QString category = LookupValue(gDB, u"select F2 from TA3 where F1="_s + sqlText(TxtN[Category]->text()));
+        if (category.isEmpty() || category == u"NoFound")
+            return refuse(u"编码输入错误！"_s, CmbHPLB);
+        TxtN[Code]->setText(code);
+        const QString name = LookupValue(gDB, u"select F2 from TA4 where F1="_s + sqlText(code));
+        if (name != u"NoFound")
+            return refuse(u'[' + name + u"]已经使用了"_s + caption(Code) + u"这个编码，请重新设置编码!"_s, TxtN[Code]);
 
-    QString values;
-    for (const int field : {Code, Name, Category, Unit, Model, Remark, Picture})
-        values += sqlText(TxtN[field]->text()) + u',';
-    gDB.Execute(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F9,F11,F7,F71,F8) VALUES ("_s + values + sqlText(code) + u',' +
-                sqlNumber(Val(TxtN[InPrice]->text())) + u',' + sqlNumber(Val(TxtN[SalePrice]->text())) + u",0)"_s);
+        QString values;
+        for (const int field : {Code, Name, Category, Unit, Model, Remark, Picture})
+            values += sqlText(TxtN[field]->text()) + u',';
+        gDB.Execute(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F9,F11,F7,F71,F8) VALUES ("_s + values + sqlText(code) + u',' +
+                    sqlNumber(Val(TxtN[InPrice]->text())) + u',' + sqlNumber(Val(TxtN[SalePrice]->text())) + u",0)"_s);
+    }
     hide();
     emit added(code, TxtN[Quantity]->text());
 }

@@ -37,6 +37,8 @@ QString stockShortage(const QString& code, double quantity, const QString& numbe
 {
     if (quantity == 0 || gNoOverIssue == 0)
         return {};
+    const ReadRun reads(gDB); // one moment for all three sums
+    requireReadable(gDB);     // a look-up that failed would count as no stock
     const double stock = Val(LookupValue(gDB, u"select F8 FROM TA4 WHERE F1="_s + sqlText(Trim(code))));
     if (stock < quantity)
         return code + u"库存数量不足！"_s;

@@ -102,6 +102,18 @@ QString NextDocNumber(const QString& prefix, const QString& table)
     return noNumberLeft;
 }
 
+QString NextDocNumberReserved(const QString& prefix, const QString& table)
+{
+    try {
+        const WriteRun alone(gDB); // between the search and the reservation nobody else takes the number
+        QString number = NextDocNumber(prefix, table);
+        DanNoReserve(number, 0);
+        return number;
+    } catch (const StoreError&) { // a reservation that fails is ignored; a ledger that can't be read is told here
+        return NextDocNumber(prefix, table);
+    }
+}
+
 bool DanNoFree(QString& no)
 {
     no = Trim(no);

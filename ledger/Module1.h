@@ -30,6 +30,11 @@ extern const QString noNumberLeft;
 /// @throws StoreError
 QString NextDocNumber(const QString& prefix, const QString& table);
 
+/// The next number, reserved for this operator before anybody else can be offered it. Where that can't be written the
+/// number is only proposed; it is tested again at save.
+/// @throws StoreError when no number can be looked for
+QString NextDocNumberReserved(const QString& prefix, const QString& table);
+
 /// Whether nobody has reserved that number. Trims it in place.
 bool DanNoFree(QString& no);
 /// Reserves a number for this operator; flag 0 for one that the system proposed, 1 for one that was typed. Failures are

@@ -29,15 +29,16 @@ Explanation explanationOf(int code, bool preparing)
     switch (code & 0xff) { // the upper bits tell where in the engine it happened
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return {Locked, u"帐本正被其它用户使用，现在无法操作。请稍候再试一次。"};
+        return {Locked, u"其它操作员正在写入帐本，等了几秒还没有轮到，现在无法操作。请稍候再试一次。"};
     case SQLITE_FULL:
         return {Disk, u"磁盘已满，数据无法写入帐本。请清理磁盘后再试。"};
     case SQLITE_READONLY:
     case SQLITE_PERM:
     case SQLITE_CANTOPEN:
-        return {Disk, u"帐本文件或它所在的文件夹不能写入。请检查文件的只读属性和文件夹的权限。"};
+        return {Disk,
+                u"帐本文件或它所在的文件夹不能写入。请检查网络连接、文件的只读属性和文件夹的权限，然后再试一次。"};
     case SQLITE_IOERR:
-        return {Disk, u"读写帐本文件时出错。请检查磁盘和网络连接后再试。"};
+        return {Disk, u"读写帐本文件时出错。请检查磁盘和网络连接，恢复之后再试一次。"};
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
         return {Damaged, u"帐本文件已经损坏。请从备份中恢复数据。"};
@@ -54,6 +55,19 @@ Explanation explanationOf(int code, bool preparing)
     default:
         return {Other, u"帐本操作失败。请再试一次；如果仍然失败，请退出系统后重新进入。"};
     }
+}
+
+/// Whether the ledger of a connection isn't where it was opened: its folder lies on a network that is gone.
+bool isGone(sqlite3* database)
+{
+    const char* path = database ? sqlite3_db_filename(database, "main") : nullptr;
+    return path && *path && !QFileInfo::exists(QString::fromUtf8(path));
+}
+
+QString goneText(const QString& path)
+{
+    return u"找不到帐本文件“"_s + QDir::toNativeSeparators(path) +
+           u"”，可能是网络断开，或者存放帐本的电脑关机了。请检查网络连接，恢复之后再试一次。";
 }
 
 [[noreturn]] void refuseToOpen(StoreError::Kind kind, const QString& text, const QString& engineMessage = {})
@@ -73,6 +87,12 @@ StoreError engineError(sqlite3* database, int code, const QString& statement, bo
                                    .statement = statement};
     if (code == SQLITE_MISMATCH) // raised by a function of the dialect, in words for the operator
         details.what = std::exchange(details.engineMessage, {}) + u"。请检查录入的内容和查询的条件。";
+    if (details.kind == StoreError::Kind::Locked)
+        details.engineMessage.clear(); // it says the same in English
+    if (details.kind == StoreError::Kind::Disk && isGone(database)) {
+        details.what = goneText(QString::fromUtf8(sqlite3_db_filename(database, "main")));
+        details.engineMessage.clear();
+    }
     return StoreError(std::move(details));
 }
 
@@ -138,7 +158,7 @@ void RowArena::replaceRow(qsizetype row, const RowArena& from)
 
 namespace {
 
-constexpr int busyTimeout = 5000; // milliseconds
+int busyTimeout = 5000; // milliseconds
 
 /// The locking between sessions happens on a companion file. Its name ends so that no pattern of ledgers or backups
 /// meets it.
@@ -166,6 +186,11 @@ constexpr const char* connectionSettings[] = {
 };
 
 } // namespace
+
+void setBusyTimeout(int milliseconds)
+{
+    busyTimeout = milliseconds;
+}
 
 int applyCipher(sqlite3* database, const QString& password)
 {
@@ -197,9 +222,13 @@ std::unique_ptr<LedgerConnection> LedgerConnection::open(const QString& path, co
     const QString ledger = file.canonicalFilePath();
 
     std::unique_ptr<LedgerConnection> connection(new LedgerConnection);
+    if (use == Use::Session) {
+        connection->path_ = ledger;
+        connection->password_ = password;
+    }
     const bool ours = use == Use::Unnamed || (use == Use::Aside && keptAlone.contains(ledger));
-    const auto presence =
-        ours ? LockFile::Outcome::Held : connection->presence_.take(lockFileOf(ledger), LockFile::Hold::Shared, ledger);
+    const auto presence = ours ? LockFile::Outcome::Held
+                               : connection->presence_->take(lockFileOf(ledger), LockFile::Hold::Shared, ledger);
     if (presence == LockFile::Outcome::Refused)
         refuseToOpen(StoreError::Kind::Locked,
                      u"其它用户正在备份、恢复或整理这个帐本，现在无法打开。请稍候再试一次。"_s);
@@ -343,7 +372,9 @@ constexpr QChar ownKey = u'\u0001';
 
 } // namespace
 
-LedgerConnection::LedgerConnection() = default;
+LedgerConnection::LedgerConnection()
+    : presence_(std::make_unique<LockFile>())
+{}
 
 LedgerConnection::~LedgerConnection()
 {
@@ -352,11 +383,40 @@ LedgerConnection::~LedgerConnection()
         if (!run_->undone)
             control(Control::Commit); // what ran stays; when this fails the engine undoes it all
     }
+    finalizeAll();
+    sqlite3_close(database_);
+}
+
+void LedgerConnection::finalizeAll()
+{
     for (const Prepared& prepared : statements_)
         sqlite3_finalize(prepared.statement);
-    for (sqlite3_stmt* statement : controls_)
-        sqlite3_finalize(statement);
-    sqlite3_close(database_);
+    statements_.clear();
+    families_.clear();
+    for (sqlite3_stmt*& statement : controls_)
+        sqlite3_finalize(std::exchange(statement, nullptr));
+}
+
+/// After a failure of disk or network the ledger is opened anew before it is used again: the open file of a share that
+/// was gone may lead to nothing, and its server may have forgotten the locks. Never in the midst of a transaction.
+void LedgerConnection::renewIfDoubtful()
+{
+    if (!doubtful_ || path_.isEmpty() || run_ || inTransaction() ||
+        std::any_of(statements_.begin(), statements_.end(), [](const Prepared& each) { return each.busy; }))
+        return;
+    if (!QFileInfo::exists(path_))
+        refuseToOpen(StoreError::Kind::Missing, goneText(path_));
+    const auto fresh = open(path_, password_, Use::Session);
+    finalizeAll();
+    // The new lock is held before the old one goes, so that nobody takes the ledger for himself in between.
+    std::swap(database_, fresh->database_);
+    std::swap(presence_, fresh->presence_);
+    doubtful_ = false;
+}
+
+void LedgerConnection::requireReadable()
+{
+    selectOwn(u"select 1 from sqlite_master limit 1"_s);
 }
 
 sqlite3_stmt* LedgerConnection::prepare(const QByteArray& sql, const QString& statement)
@@ -517,6 +577,7 @@ template <typename Work>
 auto LedgerConnection::noting(Work work)
 {
     refuseIfUndone();
+    renewIfDoubtful();
     try {
         return work();
     } catch (const StoreError& error) {
@@ -533,13 +594,18 @@ void LedgerConnection::refuseIfUndone() const
 
 void LedgerConnection::note(const StoreError& error)
 {
-    if (!run_)
+    const bool disk = error.kind() == StoreError::Kind::Disk;
+    doubtful_ |= disk;
+    if (!run_) {
+        if (disk && inTransaction()) // of a reading run, which goes on with the next read
+            control(Control::Rollback);
         return;
+    }
     run_->failure = error;
-    if (inTransaction())
-        return;
-    run_->undone = true;
-    error.setAftermath(nothingKept.toString());
+    run_->undone = !inTransaction();
+    // Nothing was written so far either where already the journal couldn't be made.
+    if (run_->undone || (disk && sqlite3_total_changes(database_) == changesBefore_))
+        error.setAftermath(nothingKept.toString());
 }
 
 void LedgerConnection::run(Prepared& prepared, const QString& statement)
@@ -727,13 +793,18 @@ std::shared_ptr<RunInProgress> LedgerConnection::beginRun()
     if (run_)
         return {};
     pauseReading(); // a reading transaction that turns into a writing one doesn't wait for others
-    if (const int code = control(Control::BeginImmediate); code != SQLITE_OK) {
-        const StoreError error = engineError(database_, code, {}, false);
+    try {
+        renewIfDoubtful();
+        if (const int code = control(Control::BeginImmediate); code != SQLITE_OK)
+            throw engineError(database_, code, {}, false);
+    } catch (const StoreError& error) {
+        note(error);
         error.setAftermath(nothingKept.toString());
-        throw error;
+        throw;
     }
     run_ = std::make_shared<RunInProgress>();
     run_->connection = this;
+    changesBefore_ = sqlite3_total_changes(database_);
     return run_;
 }
 
@@ -754,6 +825,7 @@ void LedgerConnection::commitRun()
         return;
     }
     const StoreError error = engineError(database_, code, {}, false);
+    doubtful_ |= error.kind() == StoreError::Kind::Disk;
     if (inTransaction()) // never left open: it would keep all readers out
         control(Control::Rollback);
     error.setAftermath(nothingKept.toString());

@@ -103,6 +103,8 @@ public:
     void beginReading() { ++readers_; }
     void endReading();
     void pauseReading();
+    /// Raises what keeps the ledger from being read just now.
+    void requireReadable();
 
 private:
     struct Prepared;
@@ -130,16 +132,26 @@ private:
     template <typename Work>
     auto noting(Work work);
     void note(const StoreError& error);
+    void renewIfDoubtful();
+    void finalizeAll();
 
     sqlite3* database_ = nullptr;
     std::array<sqlite3_stmt*, 7> controls_ = {};
-    LockFile presence_;
+    std::unique_ptr<LockFile> presence_;
+    QString path_;                    // of a session's ledger; "" where the connection is a step of a copy
+    QString password_;                // likewise
+    bool doubtful_ = false;           // the disk or the network failed: the open file may lead nowhere any more
     std::list<Prepared> statements_;  // the most recently used one first
     QHash<QString, Family> families_; // the same by key: the variants and busy copies of one shape
     std::string textsBound_;          // what the statement in use is bound to; kept for its capacity
     std::shared_ptr<RunInProgress> run_;
+    int changesBefore_ = 0; // rows changed by the connection when the run began
     int readers_ = 0;
 };
+
+/// How long a statement waits for another session's lock: 5,000 ms, unless a test waits less. For connections opened
+/// from now on.
+void setBusyTimeout(int milliseconds);
 
 /// What stands behind ";PWD=" in a connect text, whatever its case; "" without it.
 QString passwordOf(const QString& connect);

@@ -632,6 +632,11 @@ QString LookupValue(Database& db, const QString& sql)
     }
 }
 
+void requireReadable(Database& db)
+{
+    db.connection().requireReadable();
+}
+
 // ---- Runs -----------------------------------------------------------------------------------------------------------
 
 struct WriteRun::State

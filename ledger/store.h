@@ -133,6 +133,11 @@ public:
 /// The first column of the first row as text: a Null gives "", no row gives "NoFound", any failure gives "".
 QString LookupValue(Database& db, const QString& sql);
 
+/// Raises what keeps the ledger from being read just now: a lock that lasts, a network that is gone. For commands that
+/// decide by `LookupValue`, which tells no failure; inside a `ReadRun` the look-ups behind it find the same moment.
+/// @throws StoreError
+void requireReadable(Database& db);
+
 /// What the engine's own check finds broken in the file, at most ten things; nothing when it is sound.
 /// @throws StoreError
 QStringList integrityFaults(Database& db);

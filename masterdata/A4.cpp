@@ -345,6 +345,8 @@ void A4::showRecord()
         LabInfo->setText(noPicture.toString());
         return showPicture();
     }
+    const ReadRun reads(gDB); // one moment, and no field is empty only because its look-up failed
+    requireReadable(gDB);
     rereadRow();
     for (int i = CodeField; i <= Remark; ++i)
         Txt[i]->setText(listCell(i));
@@ -423,6 +425,8 @@ bool A4::findCategory()
         return false;
     }
     const QString code = Trim(codeOf(entry));
+    const ReadRun reads(gDB);
+    requireReadable(gDB); // a look-up that failed would refuse a code that is right
     const QString name = LookupValue(gDB, u"select F2 from TA3 where F1="_s + sqlText(code));
     if (name.isEmpty() || name == u"NoFound") {
         refuse(Lab[Category]->text() + u"编码输入错误！"_s, CmbLB);

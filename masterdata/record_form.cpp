@@ -193,7 +193,13 @@ void RecordForm::Menu_del()
     if (listEmpty())
         return MsgBox(u"没有数据可删除！"_s);
     const QString code = listCell(CodeField);
-    if (!deletable(code) || !askYesNo(u"真的要删除"_s + listCell(NameField) + u"的资料吗？"_s))
+    {
+        const ReadRun reads(gDB);
+        requireReadable(gDB); // a look-up that failed would answer that the code is in use
+        if (!deletable(code))
+            return;
+    }
+    if (!askYesNo(u"真的要删除"_s + listCell(NameField) + u"的资料吗？"_s))
         return;
     gDB.Execute(u"delete from "_s + table_.table + u" WHERE F1="_s + sqlText(code));
     removeListRow(listRow());

@@ -14,6 +14,7 @@
 #include "shell/session.h"
 
 #include <QActionGroup>
+#include <QShortcut>
 
 #include <optional>
 
@@ -24,6 +25,7 @@ constexpr QStringView openWord = u"打开报表";
 constexpr QStringView saveWord = u"保存报表";
 constexpr QStringView deleteWord = u"删除报表";
 constexpr QStringView historyWord = u"历史报表";
+constexpr QStringView overtakenText = u"网络内其它操作员已经生成了本月报表！请重新打开本窗口再查看！";
 constexpr int firstGoodsRow = 2; ///< below the two header rows
 
 const QList<QueryField> reportFields = {
@@ -90,6 +92,8 @@ C181::C181()
     if (Comb->count() == 0)
         MsgBox(u"今天是会计年度的第一天，不能统计报表！"_s);
     showState();
+    auto* key = new QShortcut(QKeySequence(Qt::Key_F5), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    connect(key, &QShortcut::activated, this, [this] { runCommand([this] { refresh(); }); });
 }
 
 void C181::buildCommands()
@@ -197,6 +201,8 @@ void C181::yearStartChanged(const QString& firstDay)
 
 void C181::listReports()
 {
+    const ReadRun reads(gDB);
+    requireReadable(gDB); // a look-up that failed would let the period begin years ago
     const QSignalBlocker quiet(Comb);
     Comb->clear();
     LoadYearStart();
@@ -276,7 +282,7 @@ void C181::generate()
     if (failure)
         return MsgBox(*failure);
     if (report.overtaken)
-        return MsgBox(u"网络内其它操作员已经生成了本月报表！请重新打开本窗口再查看！"_s);
+        return MsgBox(overtakenText.toString());
     if (empty())
         return MsgBox(u"尚无可统计的数据！"_s);
     CmdDel->setText(saveWord.toString());
@@ -332,6 +338,9 @@ void C181::save()
     int number = 0;
     {
         const WriteRun run(gDB);
+        // Another operator has generated and saved this period: what this one generated is gone from the ledger.
+        if (LookupValue(gDB, u"select top 1 SortNo from jxc where SortNo=0"_s) == u"NoFound")
+            return MsgBox(overtakenText.toString());
         // On from the numbers of last year, which are negative, so that no number comes twice.
         const double lowest = Val(LookupValue(gDB, u"select top 1 SortNo from jxc order by SortNo"_s));
         const double highest = Val(LookupValue(gDB, u"select top 1 SortNo from jxc order by SortNo desc"_s));
@@ -436,6 +445,21 @@ void C181::showState()
 void C181::sessionChanged()
 {
     showState();
+}
+
+/// F5: what others have saved or deleted. Generated figures go, since they are of an earlier moment; a saved report
+/// that is shown is read anew.
+void C181::refresh()
+{
+    if (!requireRight(OperatorRight::Cost))
+        return;
+    requireReadable(gDB); // what is on screen stays while the ledger can't be read
+    const int number = empty() ? 0 : shown_;
+    recordsChanged();
+    if (const int place = Comb->findData(number); number != 0 && place >= 0) {
+        Comb->setCurrentIndex(place);
+        open(number, {});
+    }
 }
 
 void C181::recordsChanged()

@@ -25,6 +25,7 @@ public:
     /// reports out afresh. Without one nothing is to be done.
     static void yearStartChanged(const QString& firstDay);
 
+    void refresh();        ///< F5
     void generateOrOpen(); ///< `Cmd`
     void saveOrDelete();   ///< `CmdDel`
     void Menu_Year();

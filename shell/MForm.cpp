@@ -357,8 +357,11 @@ void MForm::setOperator(const QString& name)
 
 void MForm::showSessions() const
 {
+    const QList<PresentSession> sessions = presence_.sessions();
+    if (sessions.isEmpty()) // not even our own mark
+        return MsgBox(u"现在读不到帐本所在的文件夹，不知道谁在使用帐本。请检查网络连接后再试。"_s);
     QString text = u"正在使用帐本“"_s + gLedgerName + u"”的操作员：\n"_s;
-    for (const PresentSession& session : presence_.sessions())
+    for (const PresentSession& session : sessions)
         text += u"\n"_s + session.operatorName + u"，电脑 "_s + session.host + u"，"_s + session.since + u" 登录"_s +
                 (session.ours ? u"（本窗口）"_s : QString());
     MsgBox(text + u"\n\n电脑断电或死机的操作员，几分钟后不再列出。"_s);

@@ -215,7 +215,7 @@ void ZbSet::zbrename()
     if (name.isEmpty() || index < 0)
         return;
     Cmb[0]->setItemText(index, name);
-    if (selectedPath() == gLedgerFile) {
+    if (sameFile(selectedPath(), gLedgerFile)) {
         const bool shown = gDB.isOpen() || !gOperId.isEmpty();
         gLedgerName = name;
         if (shown)
@@ -230,7 +230,7 @@ void ZbSet::unlist()
         MsgBox(u"您选择的是系统原始帐本，不能删除！"_s, u"提示"_s, BoxIcon::Exclamation);
         return;
     }
-    if (selectedPath() == gLedgerFile) {
+    if (sameFile(selectedPath(), gLedgerFile)) {
         MsgBox(u"您选择的是当前正在使用的帐本，不能删除！"_s, u"提示"_s, BoxIcon::Exclamation);
         return;
     }

@@ -25,6 +25,7 @@ void openNamedLedger()
 {
     if (!fileExists(gLedgerFile))
         return;
+    QString reason; // where it is one that passes
     try {
         gDB = DBEngine::OpenDatabase(gLedgerFile, ledgerConnect.toString());
         // A text here marks a database that is not a ledger of this program; so does an empty table.
@@ -33,9 +34,13 @@ void openNamedLedger()
             return;
         }
         gDB.Close();
-    } catch (const StoreError&) { // told by the box below, whatever it was
+    } catch (const StoreError& error) { // told by the box below, whatever it was
+        if (error.kind() == StoreError::Kind::Locked || error.kind() == StoreError::Kind::Disk)
+            reason = error.description();
     }
     MsgBox(u"文件["_s + gLedgerFile + u"]不是恒仓宁"_s + gVersion + u"帐本文件！"_s, QString());
+    if (!reason.isEmpty()) // the box above knows one reason only
+        errorBox(u"也可能帐本没有问题，只是现在打不开：\n"_s + reason);
     gLedgerFile.clear();
 }
 

@@ -371,6 +371,7 @@ private slots:
         const WriteRun other(ledger_->second());
         theForm<SysFuncSet>().Chk[0]->click();
         boxes_->expect(tooOld);
+        boxes_->expectError(u"请稍候再试一次"_s); // the true reason
         theForm<SysFuncSet>().Cmd[0]->click();
         QVERIFY(!Form::loaded(u"SysFuncSet"_s));
         QCOMPARE(gNoOverIssue, 0);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <optional>
 #include <random>
@@ -26,6 +27,7 @@ public:
         layer_.szOsFile = int(sizeof(File)) + base_->szOsFile;
         layer_.pAppData = this;
         layer_.xOpen = open;
+        layer_.xAccess = access;
         layer_.xDelete = remove;
         sqlite3_vfs_register(&layer_, 1);
     }
@@ -43,7 +45,9 @@ public:
     int failFrom = -1;  ///< the write from which all fail; -1 none does
     int failOnce = -1;  ///< the operation that fails; those behind it come off
     int failWith = SQLITE_FULL;
-    void heal() { failFrom = failOnce = cutAt_ = -1; }
+    int goneFrom = -1; ///< the operation from which nothing answers any more, reading and locking included
+    std::function<void(int operation)> before; ///< called before each operation
+    void heal() { failFrom = failOnce = goneFrom = cutAt_ = -1; }
 
     /// From now on what isn't synced is remembered, and from that operation on nothing reaches the disk any more.
     void cutPowerAt(int operation)
@@ -134,11 +138,21 @@ private:
         sqlite3_file* real = of(file)->real();
         return (real->pMethods->*Method)(real, arguments...);
     }
+    /// What changes nothing fails only while the disk is gone.
+    template <auto Method, int failure, typename... Arguments>
+    static int reach(sqlite3_file* file, Arguments... arguments)
+    {
+        return of(file)->disk->isGone() ? failure : pass<Method, Arguments...>(file, arguments...);
+    }
 
+    bool isGone() const { return goneFrom >= 0 && operations >= goneFrom; }
     bool fails()
     {
         const int operation = operations++;
-        return operation == failOnce || (cutAt_ >= 0 && operation >= cutAt_);
+        if (before)
+            before(operation);
+        return operation == failOnce || (cutAt_ >= 0 && operation >= cutAt_) ||
+               (goneFrom >= 0 && operation >= goneFrom);
     }
     bool remembers(const char* name) const { return name && cutAt_ >= 0; }
 
@@ -166,7 +180,7 @@ private:
         FaultyDisk& d = *of(to)->disk;
         const int write = d.writes++;
         if (d.fails() || (d.failFrom >= 0 && write >= d.failFrom))
-            return d.failWith;
+            return d.goneFrom >= 0 ? SQLITE_IOERR_WRITE : d.failWith;
         d.remember(to, at, static_cast<const char*>(bytes), count);
         return pass<&sqlite3_io_methods::xWrite, const void*, int, sqlite3_int64>(to, bytes, count, at);
     }
@@ -208,11 +222,19 @@ private:
         return disk->base_->xDelete(disk->base_, name, syncFolder);
     }
 
+    static int access(sqlite3_vfs* layer, const char* name, int flags, int* result)
+    {
+        auto* disk = static_cast<FaultyDisk*>(layer->pAppData);
+        return disk->isGone() ? SQLITE_IOERR_ACCESS : disk->base_->xAccess(disk->base_, name, flags, result);
+    }
+
     static int open(sqlite3_vfs* layer, const char* name, sqlite3_file* file, int flags, int* outFlags)
     {
         auto* disk = static_cast<FaultyDisk*>(layer->pAppData);
         File* mine = new (file) File{{nullptr}, disk, {}, name};
         std::memset(static_cast<void*>(mine->real()), 0, size_t(disk->base_->szOsFile));
+        if (disk->isGone())
+            return SQLITE_CANTOPEN;
         if (disk->remembers(name) && !std::filesystem::exists(name)) {
             if (disk->isCut())
                 return SQLITE_CANTOPEN;
@@ -225,14 +247,14 @@ private:
         Methods& methods = mine->methods;
         methods.iVersion = 1; // no shared memory, no memory mapping: everything goes through here
         methods.xClose = pass<&Methods::xClose>;
-        methods.xRead = pass<&Methods::xRead, void*, int, sqlite3_int64>;
+        methods.xRead = reach<&Methods::xRead, SQLITE_IOERR_READ, void*, int, sqlite3_int64>;
         methods.xWrite = write;
         methods.xTruncate = truncate;
         methods.xSync = sync;
-        methods.xFileSize = pass<&Methods::xFileSize, sqlite3_int64*>;
-        methods.xLock = pass<&Methods::xLock, int>;
+        methods.xFileSize = reach<&Methods::xFileSize, SQLITE_IOERR_FSTAT, sqlite3_int64*>;
+        methods.xLock = reach<&Methods::xLock, SQLITE_IOERR_LOCK, int>;
         methods.xUnlock = pass<&Methods::xUnlock, int>;
-        methods.xCheckReservedLock = pass<&Methods::xCheckReservedLock, int*>;
+        methods.xCheckReservedLock = reach<&Methods::xCheckReservedLock, SQLITE_IOERR_CHECKRESERVEDLOCK, int*>;
         methods.xFileControl = pass<&Methods::xFileControl, int, void*>;
         methods.xSectorSize = pass<&Methods::xSectorSize>;
         methods.xDeviceCharacteristics = pass<&Methods::xDeviceCharacteristics>;

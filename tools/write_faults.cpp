@@ -26,11 +26,12 @@ namespace {
 enum class Fault {
     Full,  ///< from the n-th write on there is no room
     Once,  ///< the n-th write, sync, truncation or deletion fails
+    Gone,  ///< from the n-th of them on nothing answers any more, reading and locking included
     Cut,   ///< the power goes at the n-th of them: nothing that wasn't synced is left
     Chance ///< the same, and any part of what wasn't synced is left
 };
-constexpr Fault allFaults[] = {Fault::Full, Fault::Once, Fault::Cut, Fault::Chance};
-constexpr const char* faultNames[] = {"full disk", "one failure", "power cut", "power cut, parts written"};
+constexpr Fault allFaults[] = {Fault::Full, Fault::Once, Fault::Gone, Fault::Cut, Fault::Chance};
+constexpr const char* faultNames[] = {"full disk", "one failure", "gone", "power cut", "power cut, parts written"};
 
 // Commands ------------------------------------------------------------------------------------------------------------
 
@@ -353,6 +354,8 @@ QString Campaign::attempt(const Command& command, Fault fault, int place, bool& 
             disk.failFrom = writes + place;
         else if (fault == Fault::Once)
             disk.failOnce = operations + place;
+        else if (fault == Fault::Gone)
+            disk.goneFrom = operations + place;
         else
             disk.cutPowerAt(operations + place);
         command.run();
@@ -386,8 +389,9 @@ QString Campaign::attempt(const Command& command, Fault fault, int place, bool& 
     // Once more in the same session: forms and session must not believe in what was undone.
     FaultyDisk disk;
     begin(command);
-    (fault == Fault::Full ? disk.failFrom : disk.failOnce) =
-        (fault == Fault::Full ? disk.writes : disk.operations) + place;
+    (fault == Fault::Full   ? disk.failFrom
+     : fault == Fault::Gone ? disk.goneFrom
+                            : disk.failOnce) = (fault == Fault::Full ? disk.writes : disk.operations) + place;
     command.run();
     disk.heal();
     command.run();

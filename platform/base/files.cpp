@@ -56,6 +56,12 @@ bool fileExists(const QString& path)
     return !path.isEmpty() && QFileInfo(resolvedPath(path)).isFile();
 }
 
+bool sameFile(const QString& a, const QString& b)
+{
+    const QString file = a.isEmpty() ? QString() : QFileInfo(resolvedPath(a)).canonicalFilePath();
+    return !file.isEmpty() && !b.isEmpty() && file == QFileInfo(resolvedPath(b)).canonicalFilePath();
+}
+
 QString programPath(const QString& path)
 {
     const QString suffix = u".exe"_s;

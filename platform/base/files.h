@@ -14,6 +14,8 @@ QString localPath(QString path);
 QString resolvedPath(const QString& path);
 /// Whether that file (no folder) exists.
 bool fileExists(const QString& path);
+/// Whether both lead to one file that exists, by whatever links, dots and case.
+bool sameFile(const QString& a, const QString& b);
 /// The program's file. Programs are named with ".exe" on every platform; where there is no such file, the one without
 /// it is meant. "" when there is neither.
 QString programPath(const QString& path);
