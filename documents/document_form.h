@@ -27,6 +27,7 @@ public:
     void Menu_save();
     void Menu_cancel();
     void Menu_Return();
+    void Menu_paste(); ///< lines from the clipboard
 
     /// Lists drafts only, newest first.
     void listDrafts();

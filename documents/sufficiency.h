@@ -8,3 +8,5 @@
 /// @param quantity  pieces wanted
 /// @param number    stored number of the document under edit, which is left out of the promises
 bool CheckStockEnough(const QString& code, double quantity, const QString& number);
+/// The same without telling: what speaks against it, or "".
+QString stockShortage(const QString& code, double quantity, const QString& number);

@@ -75,6 +75,7 @@ public:
     LedgerConnection& operator=(const LedgerConnection&) = delete;
 
     sqlite3* handle() const { return database_; }
+    quint64 serial() const { return serial_; } ///< another one for each connection of the process
 
     // Statements of the dialect. All throw StoreError.
     void execute(const QString& statement);
@@ -131,6 +132,8 @@ private:
     auto noting(Work work);
     void note(const StoreError& error);
 
+    static inline quint64 opened_ = 0;
+    const quint64 serial_ = ++opened_;
     sqlite3* database_ = nullptr;
     std::array<sqlite3_stmt*, 7> controls_ = {};
     LockFile presence_;

@@ -35,12 +35,14 @@ public:
     {
         classes += u"%1|%2|%3"_s.arg(key, subkey, value);
     }
+    void beep() override { ++beeps; }
     void endProcess() override { ++ends; }
 
     QHash<QString, QString> settings; ///< by "application/section/key" in small letters
     QStringList opened;
     QStringList started;
     QStringList classes; ///< "key|subkey|value"
+    int beeps = 0;
     int ends = 0;
 
 private:

@@ -27,7 +27,7 @@ constexpr CommandRow commandRows[] = {
     {"press", "CK"},           {"leave", "C"},           {"choose", "CT"},         {"tick", "CS"},
     {"date", "CD"},            {"tab", "CN"},            {"row", "CN"},            {"dbl", "Cn"},
     {"cell", "CNNT"},          {"click-cell", "CNN"},    {"close", "F"},           {"answer", "T"},
-    {"wait", "F"},             {"beside", "P"},
+    {"wait", "F"},             {"beside", "P"},         {"clipboard", "T"},
     {"expect", "CT"},          {"expect-has", "CT"},     {"expect-cell", "CNNT"},  {"expect-rows", "CN"},
     {"expect-items", "CN"},    {"expect-box", "T"},      {"expect-box-has", "T"},  {"expect-title", "T"},
     {"expect-no-box", ""},     {"expect-on", "C"},       {"expect-off", "C"},      {"expect-visible", "C"},

@@ -1,6 +1,7 @@
 #include "platform/widgets/controls.h"
 
 #include "platform/base/date.h"
+#include "platform/base/width.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/style.h"
 
@@ -170,19 +171,28 @@ QLineEdit* makeEdit(const QString& name, int index, EditKind kind)
 {
     QLineEdit* edit = kind == EditKind::Number ? new NumberEdit : new QLineEdit;
     edit->setObjectName(controlName(name, index));
-    switch (kind) {
-    case EditKind::Number:
-        edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        break;
-    case EditKind::Code:
-        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit](QString text) {
-            for (QChar& c : text)
-                c = c.toUpper(); // one for one, so that the cursor keeps its place
+    // One for one, so that the cursor keeps its place.
+    const auto tidyWhileTyped = [edit](QString (*tidy)(const QString&)) {
+        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit, tidy](const QString& typed) {
+            const QString text = tidy(typed);
             if (text == edit->text())
                 return;
             const int cursor = edit->cursorPosition();
             edit->setText(text);
             edit->setCursorPosition(cursor);
+        });
+    };
+    switch (kind) {
+    case EditKind::Number:
+        edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        tidyWhileTyped([](const QString& text) { return plainWidth(text); });
+        break;
+    case EditKind::Code:
+        tidyWhileTyped([](const QString& text) {
+            QString code = plainWidth(text);
+            for (QChar& c : code)
+                c = c.toUpper();
+            return code;
         });
         break;
     case EditKind::Password:
