@@ -342,17 +342,24 @@ void LineEntry::enterCode()
     focusCode();
 }
 
-/// A scanner that meets the quantity types a code there; such a quantity is hardly ever meant.
-bool LineEntry::meantAsQuantity(const QString& text) const
+/// The name of the goods whose code stands where a quantity should, as a scanner leaves it that meets that field;
+/// nothing for a text that is a quantity.
+std::optional<QString> LineEntry::scannedName(const QString& text)
 {
     constexpr qsizetype shortestScanned = 8;
     const QString code = Trim(plainWidth(text));
     if (code.size() < shortestScanned || !std::all_of(code.begin(), code.end(), [](QChar c) { return c.isDigit(); }))
-        return true;
+        return std::nullopt;
     const Recordset goods = gDB.OpenRecordset(u"select F2 from TA4 where F1="_s + sqlText(code));
-    return goods.isEOF() || askYesNo(u"数量“"_s + code + u"”是货品“"_s + goods.Fields(0).text() +
-                                         u"”的编码，可能是扫码时光标在数量栏。\n\n真的要把它作为数量吗？"_s,
-                                     u"提示"_s, Answer::No);
+    return goods.isEOF() ? std::nullopt : std::optional(goods.Fields(0).text());
+}
+
+bool LineEntry::meantAsQuantity(const QString& text)
+{
+    const auto name = scannedName(text);
+    return !name || askYesNo(u"数量“"_s + Trim(text) + u"”是货品“"_s + *name +
+                                 u"”的编码，可能是扫码时光标在数量栏。\n\n真的要把它作为数量吗？"_s,
+                             u"提示"_s, Answer::No);
 }
 
 // Lines from a spreadsheet --------------------------------------------------------------------------------------------
@@ -402,6 +409,8 @@ QString LineEntry::placePasted(const PastedLine& line, QString& note)
         return line.quantity.isEmpty() ? u"没有数量"_s : u"“"_s + line.quantity + u"”不是数量"_s;
     if (*quantity <= 0)
         return u"数量必须大于0"_s;
+    if (const auto name = scannedName(line.quantity))
+        return u"数量“%1”是货品“%2”的编码"_s.arg(line.quantity, *name);
     const auto price = pastedNumber(line.price);
     if (!line.price.isEmpty() && !price)
         return u"“"_s + line.price + u"”不是价格"_s;
@@ -413,7 +422,7 @@ QString LineEntry::placePasted(const PastedLine& line, QString& note)
             return u"这个编码已经在第%1行，价格或备注不同"_s.arg(row);
     }
     if (const Refusal refusal = place(line.code, *quantity))
-        return refusal.text.section(u'\n', 0, 0);
+        return refusal.listed;
     const int row = findRow(line.code);
     if (!line.remark.isEmpty())
         GdMx->SetTextMatrix(row, Remark, line.remark);

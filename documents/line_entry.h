@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class Grid;
 class GoodsLookup;
 class NewGoodsPanel;
@@ -92,6 +94,7 @@ private:
     {
         QString text;
         QString title;
+        QString listed = text.section(u'\n', 0, 0); ///< in a list of refused lines
         explicit operator bool() const { return !text.isEmpty(); }
     };
 
@@ -112,7 +115,8 @@ private:
     Refusal place(const QString& code, double quantity);
     QString placePasted(const PastedLine& line, QString& note);
     void setNumber(int row, int column, double number);
-    bool meantAsQuantity(const QString& text) const;
+    static std::optional<QString> scannedName(const QString& text);
+    static bool meantAsQuantity(const QString& text);
     int findRow(const QString& code, int except = 0) const;
     void removeRow(int row);
     void keepEmptyRow();

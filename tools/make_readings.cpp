@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr uint firstCharacter = 0x3007; // the zero of Chinese dates
+constexpr uint firstCharacter = 0x3400; // rarer characters than these two blocks stand in no name
 constexpr uint lastCharacter = 0x9fff;
 constexpr QStringView fields[] = {u"kMandarin", u"kHanyuPinlu", u"kXHC1983", u"kTGHZ2013", u"kHanyuPinyin"};
 

@@ -81,7 +81,7 @@ FindIndex::Rank FindIndex::rank(const Entry& entry, const Word& word) const
 QList<qsizetype> FindIndex::find(QStringView typed, qsizetype most) const
 {
     QList<Word> words;
-    for (const QString& word : comparable(typed).split(u' ', Qt::SkipEmptyParts))
+    for (const QString& word : comparable(typed).simplified().split(u' ', Qt::SkipEmptyParts))
         words += {word, std::any_of(word.begin(), word.end(), [](QChar c) { return c >= u'A' && c <= u'Z'; })};
     if (words.isEmpty())
         return {};
