@@ -7,7 +7,7 @@ namespace pinyin {
 
 namespace {
 
-#include "readings.inc"
+#include <readings.inc> // made by tools/make_readings
 
 /// The numbers of a character's syllables, 0 behind the last.
 const quint16* readingsOf(QChar c)

@@ -171,28 +171,20 @@ QLineEdit* makeEdit(const QString& name, int index, EditKind kind)
 {
     QLineEdit* edit = kind == EditKind::Number ? new NumberEdit : new QLineEdit;
     edit->setObjectName(controlName(name, index));
-    // One for one, so that the cursor keeps its place.
-    const auto tidyWhileTyped = [edit](QString (*tidy)(const QString&)) {
-        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit, tidy](const QString& typed) {
-            const QString text = tidy(typed);
+    switch (kind) {
+    case EditKind::Number:
+        edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        break;
+    case EditKind::Code:
+        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit](const QString& typed) {
+            QString text = plainWidth(typed);
+            for (QChar& c : text)
+                c = c.toUpper(); // one for one, so that the cursor keeps its place
             if (text == edit->text())
                 return;
             const int cursor = edit->cursorPosition();
             edit->setText(text);
             edit->setCursorPosition(cursor);
-        });
-    };
-    switch (kind) {
-    case EditKind::Number:
-        edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        tidyWhileTyped([](const QString& text) { return plainWidth(text); });
-        break;
-    case EditKind::Code:
-        tidyWhileTyped([](const QString& text) {
-            QString code = plainWidth(text);
-            for (QChar& c : code)
-                c = c.toUpper();
-            return code;
         });
         break;
     case EditKind::Password:
