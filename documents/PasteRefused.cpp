@@ -12,13 +12,13 @@ PasteRefused::PasteRefused()
     GD = new Grid(u"GD"_s);
     GD->setColumns({{u"行"_s, 50, ColumnKind::Number},
                     {u"货品编码"_s, 130},
-                    {u"数量"_s, 80, ColumnKind::Number},
+                    {u"数量"_s, 120, ColumnKind::Number},
                     {u"价格"_s, 80, ColumnKind::Number},
                     {u"备注"_s, 100},
                     {u"原因"_s, 280, ColumnKind::Text, false, true}});
     content()->addWidget(LabInfo);
     content()->addWidget(GD, 1);
-    resize(820, 380);
+    resize(860, 380);
 }
 
 void PasteRefused::tell(const QList<RefusedLine>& refused, qsizetype entered)

@@ -319,7 +319,7 @@ LineEntry::Refusal LineEntry::place(const QString& code, double quantity)
         return {
             u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
                 .arg(codeCaption),
-            u"提示"_s};
+            u"提示"_s, u"货品资料库中没有这个编码"_s};
     if (const QString missing = shortage(quantity); !missing.isEmpty())
         return {missing, {}};
     keepEmptyRow();
