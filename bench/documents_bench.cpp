@@ -15,6 +15,8 @@
 #include "tools/faulty_disk.h"
 #include "tools/headless.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 
 namespace {
@@ -213,6 +215,41 @@ void lookUpGoods(benchmark::State& state)
     run(form, "Menu_cancel");
 }
 BENCHMARK(lookUpGoods)->DenseRange(0, 1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// A key in the code box over 100,000 goods, from the key to the painted list, beside the search for a part of a text
+/// that the engine would do: a letter, initials, whole syllables, a part of the name, a part of the model, nothing that
+/// fits; then the first key after another session has booked something, and after it has renamed goods.
+void suggestGoods(benchmark::State& state)
+{
+    static const QStringList typed{u"L"_s,  u"LJLS"_s, u"JIAOLUOSHUAN"_s, u"角螺"_s,
+                                   u"M2"_s, u"QQQ"_s,  u"LJ"_s,           u"LJ"_s};
+    static const QByteArray others[] = {"update TA4 set F8=F8+1 where F1='G00007'",
+                                        "update TA4 set F2=F2||'x' where F1='G00007'"};
+    Session session({.goods = 100'000});
+    DocumentForm& form = session.open();
+    run(form, "Menu_Add");
+    BareLedger bare(session.ledger.path());
+    const QString text = typed[state.range(0)];
+    const QByteArray like = " like '%" + text.toUtf8() + "%'";
+    const QByteArray search =
+        "select F1,F2,F5,F4,F8 from TA4 where F1" + like + " or F2" + like + " or F5" + like + " order by F1 limit 12";
+    const auto key = [&] {
+        QLineEdit* box = form.lines->TxtHPBM;
+        box->setText(text.chopped(1));
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, text.last(1));
+        QCoreApplication::sendEvent(box, &press);
+        QCoreApplication::processEvents();
+    };
+    key(); // reads the index
+    Beside beside(state);
+    for (auto _ : state) {
+        if (state.range(0) >= 6)
+            bare.run(others[state.range(0) - 6]);
+        beside.turn(key, [&] { bare.run(search); });
+    }
+    run(form, "Menu_cancel");
+}
+BENCHMARK(suggestGoods)->DenseRange(0, 7)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 /// 100,000 rows of eight cells into a grid and on to the screen, beside making the texts alone.
 void fillGrid(benchmark::State& state)

@@ -2,17 +2,21 @@
 
 #include "documents/document_print.h"
 #include "documents/line_entry.h"
+#include "documents/suggesting.h"
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
 #include "platform/base/clock.h"
 #include "platform/base/date.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/status.h"
+#include "platform/base/width.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
 #include "reports/Query.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QTabBar>
 #include <QTimer>
 
@@ -45,6 +49,10 @@ DocumentForm::DocumentForm(const DocumentTraits& kind)
         if (Edstu != Viewing && lines->endEdit())
             lines->focusCode();
     });
+    addKey(Qt::Key_F8, [this] {
+        if (Edstu != Viewing)
+            lines->ChkScan->click();
+    });
     fillPartners();
     listDrafts();
     updateState();
@@ -74,6 +82,7 @@ void DocumentForm::buildCommands()
         {"Menu_cancel", u"&C.取消",     Shown::Entering, &DocumentForm::Menu_cancel},
         {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return},
         {"Menu_copy",   u"&N.复制为新单据", Shown::Viewing, &DocumentForm::Menu_copy, true},
+        {"Menu_paste",  u"&V.粘贴多行", Shown::Entering, &DocumentForm::Menu_paste},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -155,6 +164,7 @@ void DocumentForm::buildDetail()
     if (kind_.partnerRule != Partner::TypedName) {
         CmbLB = makeCombo(u"CmbLB"_s);
         enterMovesOn(CmbLB);
+        suggestPartners(CmbLB, kind_.partners.toString());
     }
     DTP1 = new DatePicker(u"DTP1"_s);
     DTP1->showAsButton();
@@ -535,6 +545,11 @@ void DocumentForm::Menu_prn(int index)
                *lines->GdMx, tenRows ? CompactForm::TenRows : CompactForm::Plain);
 }
 
+void DocumentForm::Menu_paste()
+{
+    lines->pasteLines(QGuiApplication::clipboard()->text());
+}
+
 void DocumentForm::Menu_Return()
 {
     Unload();
@@ -573,7 +588,7 @@ void DocumentForm::Menu_save()
 
 bool DocumentForm::headerComplete()
 {
-    Txt[Number]->setText(Trim(Txt[Number]->text()).toUpper());
+    Txt[Number]->setText(Trim(plainWidth(Txt[Number]->text())).toUpper());
     for (const int i : {Number, Date})
         if (Trim(Txt[i]->text()).isEmpty()) {
             refuse(Lab[i]->text() + u"不能为空！"_s, Txt[i]);

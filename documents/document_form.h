@@ -37,6 +37,7 @@ public:
     /// A new document with partner, remark and lines of the current one, under today's date and a number of its own.
     /// Goods and quantities are taken over, all else is as entering them now gives it.
     void Menu_copy();
+    void Menu_paste(); ///< lines from the clipboard
 
     /// Lists drafts only, newest first.
     void listDrafts();

@@ -1,35 +1,37 @@
 #include "documents/line_entry.h"
 
+#include "documents/PasteRefused.h"
 #include "documents/goods_lookup.h"
+#include "documents/line_paste.h"
 #include "documents/new_goods_panel.h"
 #include "documents/sufficiency.h"
+#include "documents/suggesting.h"
 #include "ledger/Module1.h"
 #include "ledger/literal.h"
+#include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
+#include "platform/base/width.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
 namespace {
 
 const QString codeCaption = u"货品编码"_s;
+const QString scanSection = u"Scan"_s; ///< of the user's settings, by operator
 
 double cellNumber(const Grid& grid, int row, int column)
 {
     return Val(grid.TextMatrix(row, column));
-}
-
-/// The quantity stands in the select list, so that the record has the grid's columns in order.
-QString newLineStatement(const DocumentTraits& kind, const QString& code, double quantity)
-{
-    return u"select F1,(F2+'/'+F5) AS MC,"_s + kind.sheet->third + u',' + NumText(quantity) + u" as sl,"_s +
-           kind.newLinePrice + u" from TA4 where F1="_s + sqlText(code);
 }
 
 } // namespace
@@ -46,7 +48,8 @@ LineEntry::LineEntry(const DocumentTraits& kind)
     connect(GdMx, &Grid::cellReached, this, [this](int row, int) { runCommand([&] { followCell(row); }); });
     connect(GdMx, &Grid::currentRowChanged, this, &LineEntry::rowReached);
 
-    connect(TxtHPBM, &QLineEdit::returnPressed, TxtSL, qOverload<>(&QWidget::setFocus));
+    connectCode();
+    connectScan();
     onFocusIn(TxtSL, [this] {
         if (Val(TxtSL->text()) == 0)
             TxtSL->setText(u"1"_s);
@@ -64,7 +67,6 @@ LineEntry::LineEntry(const DocumentTraits& kind)
                 AddGoodsLine();
         });
     });
-    TxtHPBM->installEventFilter(this);
     connect(lookup, &GoodsLookup::chosen, this, &LineEntry::takeGoods);
     connect(lookup, &GoodsLookup::left, TxtHPBM, qOverload<>(&QWidget::setFocus));
     if (newGoods) {
@@ -83,6 +85,27 @@ LineEntry::LineEntry(const DocumentTraits& kind)
     setEntering(false);
 }
 
+void LineEntry::connectCode()
+{
+    connect(TxtHPBM, &QLineEdit::returnPressed, this, [this] { runCommand([this] { enterCode(); }); });
+    for (QWidget* widget :
+         {static_cast<QWidget*>(TxtHPBM), static_cast<QWidget*>(GdMx), static_cast<QWidget*>(GdMx->TxtEnter)})
+        widget->installEventFilter(this);
+    suggestGoods(TxtHPBM, kind_.sheet->stockCaption.toString());
+}
+
+void LineEntry::connectScan()
+{
+    connect(ChkScan, &QCheckBox::clicked, this, [this](bool on) {
+        runCommand([&] {
+            SaveSetting(gProgramName, scanSection, gOperId, on ? u"1"_s : u"0"_s);
+            QGuiApplication::inputMethod()->update(Qt::ImEnabled);
+            if (GdMx->endEdit())
+                focusCode();
+        });
+    });
+}
+
 void LineEntry::build()
 {
     TxtHPBM = makeEdit(u"TxtHPBM"_s, -1, EditKind::Code);
@@ -95,12 +118,14 @@ void LineEntry::build()
     CmdEnter = makeButton(
         u"CmdEnter"_s, u"增加货品"_s, [this] { AddGoodsLine(); }, -1, ButtonLook::Primary);
     CmdDel = makeButton(u"CmdDel"_s, u"删除货品"_s, [this] { deleteLine(); });
+    ChkScan = makeCheck(u"ChkScan"_s, u"连续扫码(F8)"_s);
+    ChkScan->setToolTip(u"扫一次编码，加一件"_s);
     auto* hint = makeLabel(u"LabHint"_s, u"回车：下一格　Esc：放弃本格　F2：货品编码　F4：查找货品"_s);
     auto* codeLabel = makeLabel(u"LabHPBM"_s, codeCaption);
     auto* quantityLabel = makeLabel(u"LabSL"_s, u"数量"_s);
     for (QLabel* label : {hint, codeLabel, quantityLabel})
         setLook(label, LabelLook::Field);
-    auto* row = makeRow({codeLabel, TxtHPBM, CmdQuery, quantityLabel, TxtSL, CmdEnter, CmdDel, nullptr, hint});
+    auto* row = makeRow({codeLabel, TxtHPBM, CmdQuery, quantityLabel, TxtSL, CmdEnter, CmdDel, ChkScan, nullptr, hint});
 
     lookup = new GoodsLookup(kind_.sheet->stockCaption.toString(), kind_.newGoods == NewGoods::Panel);
     PicLRQ = makePanel(u"PicLRQ"_s);
@@ -177,6 +202,8 @@ void LineEntry::setEntering(bool entering, const QString& storedNumber)
     entering_ = entering;
     storedNumber_ = storedNumber;
     PicLRQ->setVisible(entering);
+    if (entering)
+        ChkScan->setChecked(GetSetting(gProgramName, scanSection, gOperId) == u"1");
     lookup->hide();
     if (newGoods)
         newGoods->hide();
@@ -249,34 +276,52 @@ void LineEntry::AddGoodsLine()
     const double quantity = qMax(Val(TxtSL->text()), 0.0);
     if (code.isEmpty() || quantity == 0)
         return;
-    if (const int row = findRow(code)) {
-        const double sum = cellNumber(*GdMx, row, Quantity) + quantity;
-        if (!stockCovers(code, sum))
-            return;
-        GdMx->SetTextMatrix(row, Quantity, NumText(sum));
-        updateAmount(row);
-        GdMx->select(row, Quantity);
+    if (!meantAsQuantity(TxtSL->text())) {
+        TxtSL->setFocus();
+        TxtSL->selectAll();
+        return;
+    }
+    const int present = findRow(code);
+    if (const Refusal refusal = place(code, quantity)) {
+        if (ChkScan->isChecked())
+            Beep(); // who scans doesn't look at the screen
+        return MsgBox(refusal.text, refusal.title);
+    }
+    if (present) {
+        GdMx->select(present, Quantity);
         emit changed();
         focusCode(); // the next code overwrites it
         return;
     }
-    const Recordset goods = gDB.OpenRecordset(newLineStatement(kind_, code, quantity));
-    if (goods.isEOF()) {
-        MsgBox(u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
-                   .arg(codeCaption));
-        return;
-    }
-    if (!stockCovers(code, quantity))
-        return;
-    fillLastRow(goods);
-    GdMx->select(GdMx->Rows() - 2, Code);
+    GdMx->select(findRow(code), Code);
     emit changed();
     TxtHPBM->clear();
     TxtHPBM->setFocus();
 }
 
-void LineEntry::fillLastRow(const Recordset& goods)
+LineEntry::Refusal LineEntry::place(const QString& code, double quantity)
 {
+    const auto shortage = [&](double wanted) {
+        return kind_.entry == Entry::Free ? QString() : stockShortage(code, wanted, storedNumber_);
+    };
+    if (const int row = findRow(code)) {
+        const double sum = cellNumber(*GdMx, row, Quantity) + quantity;
+        if (const QString missing = shortage(sum); !missing.isEmpty())
+            return {missing, {}};
+        setNumber(row, Quantity, sum);
+        return {};
+    }
+    // The quantity stands in the select list, so that the record has the grid's columns in order.
+    const Recordset goods =
+        gDB.OpenRecordset(u"select F1,(F2+'/'+F5) AS MC,"_s + kind_.sheet->third + u',' + NumText(quantity) +
+                          u" as sl,"_s + kind_.newLinePrice + u" from TA4 where F1="_s + sqlText(code));
+    if (goods.isEOF())
+        return {
+            u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
+                .arg(codeCaption),
+            u"提示"_s, u"货品资料库中没有这个编码"_s};
+    if (const QString missing = shortage(quantity); !missing.isEmpty())
+        return {missing, {}};
     keepEmptyRow();
     const int row = GdMx->Rows() - 1;
     for (int column = Code; column <= Quantity; ++column)
@@ -284,20 +329,130 @@ void LineEntry::fillLastRow(const Recordset& goods)
     GdMx->SetTextMatrix(row, Price, offeredPrice(goods.Fields(Price)));
     updateAmount(row);
     keepEmptyRow();
+    return {};
+}
+
+/// What Enter does in the code box: a scanner types a code and presses it.
+void LineEntry::enterCode()
+{
+    if (!ChkScan->isChecked())
+        return TxtSL->setFocus();
+    TxtSL->setText(u"1"_s);
+    AddGoodsLine();
+    focusCode();
+}
+
+/// The name of the goods whose code stands where a quantity should, as a scanner leaves it that meets that field;
+/// nothing for a text that is a quantity.
+std::optional<QString> LineEntry::scannedName(const QString& text)
+{
+    constexpr qsizetype shortestScanned = 8;
+    const QString code = Trim(plainWidth(text));
+    if (code.size() < shortestScanned || !std::all_of(code.begin(), code.end(), [](QChar c) { return c.isDigit(); }))
+        return std::nullopt;
+    const Recordset goods = gDB.OpenRecordset(u"select F2 from TA4 where F1="_s + sqlText(code));
+    return goods.isEOF() ? std::nullopt : std::optional(goods.Fields(0).text());
+}
+
+bool LineEntry::meantAsQuantity(const QString& text)
+{
+    const auto name = scannedName(text);
+    return !name || askYesNo(u"数量“"_s + Trim(text) + u"”是货品“"_s + *name +
+                                 u"”的编码，可能是扫码时光标在数量栏。\n\n真的要把它作为数量吗？"_s,
+                             u"提示"_s, Answer::No);
+}
+
+// Lines from a spreadsheet --------------------------------------------------------------------------------------------
+
+void LineEntry::pasteLines(const QString& text)
+{
+    if (!entering_ || !GdMx->endEdit())
+        return;
+    const QList<PastedLine> pasted = pastedLines(text);
+    if (pasted.isEmpty())
+        return MsgBox(
+            u"剪贴板中没有可以录入的行。\n\n请先在电子表格中复制货品编码、数量、价格、备注各列，再来粘贴。"_s);
+    QList<QStringList> before;
+    for (int row = 1; row < GdMx->Rows(); ++row)
+        before += GdMx->rowTexts(row);
+    QList<RefusedLine> refused;
+    qsizetype entered = 0;
+    try {
+        const ReadRun reads(gDB);
+        for (const PastedLine& line : pasted) {
+            QString note;
+            const QString reason = placePasted(line, note);
+            entered += reason.isEmpty();
+            if (!reason.isEmpty() || !note.isEmpty())
+                refused.append({line, reason.isEmpty() ? note : reason});
+        }
+    } catch (...) {
+        GdMx->setRows(before); // so that pasting again enters nothing twice
+        throw;
+    }
+    GdMx->select(GdMx->Rows() - 1, Code);
+    emit changed();
+    TxtHPBM->clear();
+    TxtHPBM->setFocus();
+    if (!refused.isEmpty())
+        PasteRefused::tell(refused, entered);
+}
+
+/// @param note what of a line that was entered could not be heeded
+/// @return why the line wasn't entered, or ""
+QString LineEntry::placePasted(const PastedLine& line, QString& note)
+{
+    if (line.code.isEmpty())
+        return u"没有货品编码"_s;
+    const auto quantity = pastedNumber(line.quantity);
+    if (!quantity)
+        return line.quantity.isEmpty() ? u"没有数量"_s : u"“"_s + line.quantity + u"”不是数量"_s;
+    if (*quantity <= 0)
+        return u"数量必须大于0"_s;
+    if (const auto name = scannedName(line.quantity))
+        return u"数量“%1”是货品“%2”的编码"_s.arg(line.quantity, *name);
+    const auto price = pastedNumber(line.price);
+    if (!line.price.isEmpty() && !price)
+        return u"“"_s + line.price + u"”不是价格"_s;
+    if (const int row = findRow(line.code)) {
+        // What stands there belongs to other pieces.
+        const bool otherPrice =
+            price && Format(*price, gPriceFormat) != Format(cellNumber(*GdMx, row, Price), gPriceFormat);
+        if (otherPrice || (!line.remark.isEmpty() && line.remark != GdMx->TextMatrix(row, Remark)))
+            return u"这个编码已经在第%1行，价格或备注不同"_s.arg(row);
+    }
+    if (const Refusal refusal = place(line.code, *quantity))
+        return refusal.listed;
+    const int row = findRow(line.code);
+    if (!line.remark.isEmpty())
+        GdMx->SetTextMatrix(row, Remark, line.remark);
+    if (!price || gWithMoney == 0)
+        return {};
+    if (mayEdit(row, Price))
+        setNumber(row, Price, gNoNegativeQty == 1 ? qAbs(*price) : *price);
+    else if (Format(*price, gPriceFormat) != GdMx->TextMatrix(row, Price))
+        note = u"已经录入，但是价格不能修改，没有采用“%1”"_s.arg(line.price);
+    return {};
+}
+
+/// Several rows on the clipboard are lines; one is a text like any other.
+bool LineEntry::pasteKey(const QKeyEvent& key)
+{
+    if (!entering_ || !key.matches(QKeySequence::Paste))
+        return false;
+    const QString text = QGuiApplication::clipboard()->text();
+    if (!Trim(text).contains(u'\n') || pastedLines(text).isEmpty())
+        return false;
+    runCommand([&] { pasteLines(text); });
+    return true;
 }
 
 QString LineEntry::takeOver(const QString& code, double quantity, const QString& remark)
 {
-    if (gNoNegativeQty == 1)
-        quantity = qAbs(quantity);
-    const Recordset goods = gDB.OpenRecordset(newLineStatement(kind_, code, quantity));
-    if (goods.isEOF())
-        return u"货品资料库中已经没有 "_s + code;
-    if (const QString shortage = kind_.entry == Entry::Free ? QString() : stockShortage(code, quantity, storedNumber_);
-        !shortage.isEmpty())
-        return shortage;
-    fillLastRow(goods);
-    GdMx->SetTextMatrix(GdMx->Rows() - 2, Remark, remark);
+    if (const Refusal refusal = place(code, gNoNegativeQty == 1 ? qAbs(quantity) : quantity))
+        return refusal.listed.contains(code) ? refusal.listed : code + u"："_s + refusal.listed;
+    if (!remark.isEmpty())
+        GdMx->SetTextMatrix(findRow(code), Remark, remark);
     return {};
 }
 
@@ -367,7 +522,7 @@ void LineEntry::lookUp()
 void LineEntry::takeGoods(const QString& code)
 {
     TxtHPBM->setText(code);
-    TxtSL->setFocus();
+    enterCode();
 }
 
 bool LineEntry::mayEdit(int row, int column) const
@@ -433,7 +588,7 @@ bool LineEntry::finishCode(int row, const QString& before, const QString& after)
         removeRow(row);
         return true;
     }
-    const QString code = after.toUpper();
+    const QString code = plainWidth(after).toUpper();
     if (findRow(code, row)) {
         MsgBox(u"相同的"_s + codeCaption + u"已经存在！"_s);
         return false;
@@ -469,12 +624,17 @@ bool LineEntry::finishNumber(int row, int column, const QString& after)
     double number = Val(after);
     if (gNoNegativeQty == 1)
         number = qAbs(number);
-    if (column == Quantity && !stockCovers(GdMx->TextMatrix(row, Code), number))
+    if (column == Quantity && (!meantAsQuantity(after) || !stockCovers(GdMx->TextMatrix(row, Code), number)))
         return false;
-    GdMx->SetTextMatrix(row, column, NumText(number));
-    updateAmount(row);
+    setNumber(row, column, number);
     followCell(row);
     return true;
+}
+
+void LineEntry::setNumber(int row, int column, double number)
+{
+    GdMx->SetTextMatrix(row, column, NumText(number));
+    updateAmount(row);
 }
 
 int LineEntry::findRow(const QString& code, int except) const
@@ -529,9 +689,21 @@ QString LineEntry::offeredPrice(const Value& price) const
 
 bool LineEntry::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == TxtHPBM && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F4) {
-        runCommand([this] { lookUp(); });
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (pasteKey(*key))
+            return true;
+        if (watched == TxtHPBM && key->key() == Qt::Key_F4) {
+            runCommand([this] { lookUp(); });
+            return true;
+        }
+    } else if (event->type() == QEvent::InputMethodQuery && watched == TxtHPBM && ChkScan->isChecked()) {
+        // An input method would make words of what a scanner types. Only this answer keeps it away.
+        auto* query = static_cast<QInputMethodQueryEvent*>(event);
+        for (uint bit = 1; bit != 0; bit <<= 1)
+            if (const auto one = Qt::InputMethodQuery(uint(query->queries()) & bit); one != 0)
+                query->setValue(one, one == Qt::ImEnabled ? QVariant(false) : TxtHPBM->inputMethodQuery(one));
+        query->accept();
         return true;
     }
     return QWidget::eventFilter(watched, event);

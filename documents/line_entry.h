@@ -5,10 +5,15 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class Grid;
 class Recordset;
 class GoodsLookup;
 class NewGoodsPanel;
+struct PastedLine;
+class QKeyEvent;
+class QCheckBox;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -72,6 +77,10 @@ public:
     void AddGoodsLine();
     void deleteLine();
     void lookUp();
+    /// Enters the lines that were copied from a spreadsheet (see pastedLines), each by the same rules as a typed one,
+    /// and lists those that were refused. A failure of the ledger leaves the lines as they were.
+    /// @throws StoreError
+    void pasteLines(const QString& text);
 
     QFrame* PicLRQ = nullptr;
     QLineEdit* TxtHPBM = nullptr;
@@ -79,6 +88,7 @@ public:
     QPushButton* CmdEnter = nullptr;
     QPushButton* CmdDel = nullptr;
     QPushButton* CmdQuery = nullptr;
+    QCheckBox* ChkScan = nullptr; ///< a code and its Enter add one piece, as a scanner sends them; kept by operator
     Grid* GdMx = nullptr;
     GoodsLookup* lookup = nullptr;
     NewGoodsPanel* newGoods = nullptr; ///< where the kind has it
@@ -93,7 +103,18 @@ protected:
 private:
     enum LineColumn { Code, Name, Third, Quantity, Price, Amount, Remark };
 
+    /// Why a line isn't taken, as the operator is told it; no text when it is.
+    struct Refusal
+    {
+        QString text;
+        QString title;
+        QString listed = text.section(u'\n', 0, 0); ///< in a list of refused lines
+        explicit operator bool() const { return !text.isEmpty(); }
+    };
+
     void build();
+    void connectCode();
+    void connectScan();
     bool mayEdit(int row, int column) const;
     bool finishCell(int row, int column, const QString& before, const QString& after);
     bool finishCode(int row, const QString& before, const QString& after);
@@ -101,7 +122,15 @@ private:
     QPoint cellAfter(int row, int column) const;
     void followCell(int row);
     void takeGoods(const QString& code);
-    void fillLastRow(const Recordset& goods);
+    void enterCode();
+    bool pasteKey(const QKeyEvent& key);
+    /// Adds pieces to the line of that code, or a line. It shows no box and tells nobody of the change.
+    /// @throws StoreError
+    Refusal place(const QString& code, double quantity);
+    QString placePasted(const PastedLine& line, QString& note);
+    void setNumber(int row, int column, double number);
+    static std::optional<QString> scannedName(const QString& text);
+    static bool meantAsQuantity(const QString& text);
     int findRow(const QString& code, int except = 0) const;
     void removeRow(int row);
     void keepEmptyRow();

@@ -75,6 +75,7 @@ public:
     LedgerConnection& operator=(const LedgerConnection&) = delete;
 
     sqlite3* handle() const { return database_; }
+    quint64 serial() const { return serial_; } ///< another one for each connection of the process
 
     // Statements of the dialect. All throw StoreError.
     void execute(const QString& statement);
@@ -135,6 +136,8 @@ private:
     void renewIfDoubtful();
     void finalizeAll();
 
+    static inline quint64 opened_ = 0;
+    const quint64 serial_ = ++opened_;
     sqlite3* database_ = nullptr;
     std::array<sqlite3_stmt*, 7> controls_ = {};
     std::unique_ptr<LockFile> presence_;

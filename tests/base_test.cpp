@@ -2,7 +2,9 @@
 
 #include "platform/base/date.h"
 #include "platform/base/files.h"
+#include "platform/base/finding.h"
 #include "platform/base/number.h"
+#include "platform/base/pinyin.h"
 #include "platform/base/text.h"
 
 #include <QDir>
@@ -15,6 +17,49 @@ class BaseTest : public QObject
     Q_OBJECT
 
 private slots:
+    void sounds()
+    {
+        const auto sounds = [](const char16_t* text, const char16_t* typed) {
+            return pinyin::beginsAs(QStringView(text), QStringView(typed));
+        };
+        for (const char16_t* typed : {u"CZ", u"C", u"CHUIZI", u"CHUIZ", u"CZI", u"CHZ"})
+            QVERIFY2(sounds(u"锤子", typed), qPrintable(QString::fromUtf16(typed)));
+        for (const char16_t* typed : {u"ZC", u"CZZ", u"CUZ", u"CHUIZIA"})
+            QVERIFY2(!sounds(u"锤子", typed), qPrintable(QString::fromUtf16(typed)));
+        QVERIFY(sounds(u"重庆", u"CQ") && sounds(u"重庆", u"ZQ") && sounds(u"重庆", u"ZHONGQING"));
+        QVERIFY(sounds(u"绿色零号", u"LVSLH"));
+        QVERIFY(sounds(u"304不锈钢-L管", u"BXGG") && sounds(u"不锈钢L管", u"BXGLG"));
+        QVERIFY(!sounds(u"ABC", u"CZ") && !sounds(u"", u"C"));
+        QCOMPARE(pinyin::initials(u'行') & (1u << 7), 1u << 7); // háng beside xíng
+        QCOMPARE(pinyin::initials(u'A'), 0u);
+    }
+
+    void findingRanks()
+    {
+        FindIndex index;
+        for (const auto& [code, name, model] : {std::tuple(u"X1"_s, u"圆头锤子"_s, u""_s),
+                                                {u"X2"_s, u"螺丝刀"_s, u"CZ-5"_s},
+                                                {u"X3"_s, u"CZ牌手套"_s, u""_s},
+                                                {u"X4"_s, u"车轴"_s, u""_s},
+                                                {u"cz2"_s, u"刀"_s, u""_s},
+                                                {u"CZ"_s, u"刀"_s, u""_s},
+                                                {u"Ａ5"_s, u"PVC管"_s, u"Ｍ8*20"_s}})
+            index.add(code, name, model);
+        const auto found = [&](const QString& typed, qsizetype most = 12) {
+            QStringList codes;
+            for (const qsizetype record : index.find(typed, most))
+                codes += index.code(record);
+            return codes.join(u' ');
+        };
+        QCOMPARE(found(u"cz"_s), u"CZ cz2 X3 X4 X2 X1"_s);
+        QCOMPARE(found(u"ｃｚ"_s, 3), u"CZ cz2 X3"_s);
+        QCOMPARE(found(u"锤"_s), u"X1"_s);
+        QCOMPARE(found(u"pvcg m8"_s), u"Ａ5"_s); // all words, the code as it is stored
+        QCOMPARE(found(u"a5"_s), u"Ａ5"_s);
+        QCOMPARE(found(u"8*20"_s), u"Ａ5"_s);
+        QCOMPARE(found(u"pvcg x"_s) + found(u"  "_s) + found(u"\n"_s), QString());
+    }
+
     void plainTexts_data()
     {
         QTest::addColumn<double>("number");

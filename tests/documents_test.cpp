@@ -5,6 +5,7 @@
 #include "documents/document_print.h"
 #include "documents/goods_lookup.h"
 #include "documents/line_entry.h"
+#include "documents/line_paste.h"
 #include "documents/new_goods_panel.h"
 #include "form_test.h"
 #include "ledger/Module1.h"
@@ -16,7 +17,9 @@
 #include "platform/widgets/grid.h"
 #include "printed.h"
 
+#include <QCheckBox>
 #include <QComboBox>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -929,7 +932,7 @@ private slots:
         boxes_->expect(u"没有单据可复制！"_s);
         run(form, "Menu_copy");
         form.listAll({});
-        boxes_->expect(u"单据 X1 中有几项没有复制过来：\n\nA2库存数量不足！\n货品资料库中已经没有 gone"_s);
+        boxes_->expect(u"单据 X1 中有几项没有复制过来：\n\nA2库存数量不足！\ngone：货品资料库中没有这个编码"_s);
         run(form, "Menu_copy");
         QCOMPARE(form.Edstu, 1);
         QCOMPARE(form.CmbLB->currentText(), u"K1.客户"_s);
@@ -941,6 +944,62 @@ private slots:
         ledger_->run(u"delete from TD1"_s);
         boxes_->expectStart(u"单据 CK0411180001 已经不在帐本里"_s);
         run(form, "Menu_copy");
+    }
+
+    // Fast entry ------------------------------------------------------------------------------------------------------
+
+    void inputMethodsAndSuggestions()
+    {
+        DocumentForm& form = open(DocumentKind::B1);
+        run(form, "Menu_Add");
+        QLineEdit* box = form.lines->TxtHPBM;
+        form.lines->focusCode();
+        const auto listed = [&] {
+            const auto* list = form.findChild<Grid*>(u"GdSuggest"_s);
+            return list && list->isVisible() ? list->TextMatrix(1, 0) : QString();
+        };
+        const auto compose = [&](const QString& preedit, const QString& commit) {
+            QInputMethodEvent event(preedit, {});
+            event.setCommitString(commit);
+            QCoreApplication::sendEvent(box, &event);
+        };
+        const auto takesInputMethod = [](QWidget* field) {
+            QInputMethodQueryEvent query(Qt::ImEnabled | Qt::ImHints);
+            QCoreApplication::sendEvent(field, &query);
+            return query.value(Qt::ImEnabled).toBool();
+        };
+        QTest::keyClicks(box, u"a2"_s);
+        QCOMPARE(listed(), u"A2"_s);
+        compose(u"dian"_s, {});
+        QCOMPARE(listed(), QString());
+        box->clear();
+        compose(u"dian"_s, {});
+        QCOMPARE(listed(), QString());
+        compose({}, u"垫"_s);
+        QCOMPARE(listed(), u"A2"_s);
+        QCOMPARE(box->text(), u"垫"_s);
+        QVERIFY(takesInputMethod(box) && !takesInputMethod(form.lines->TxtSL));
+        form.lines->ChkScan->click();
+        QVERIFY(!takesInputMethod(box));
+        form.lines->ChkScan->click();
+        run(form, "Menu_cancel");
+    }
+
+    void whatASpreadsheetCopies()
+    {
+        const QList<PastedLine> lines = pastedLines(u"\"a\"\"1\"\t\"2\"\r\n\r\n \t\t\r\nb 2\"\t3\t1.5\t\"x\ny\"\r\n"_s);
+        QCOMPARE(lines.size(), 2);
+        QCOMPARE(lines[0].code + lines[0].quantity + lines[0].price, u"A\"12"_s);
+        QCOMPARE(lines[1].code + lines[1].remark, u"B 2\"x y"_s);
+        QCOMPARE(lines[1].row, 4);
+        for (const auto& [text, number] : {std::pair(u"1,234.5"_s, 1234.5),
+                                           {u"１，２３４"_s, 1234.0},
+                                           {u"￥ 3"_s, 3.0},
+                                           {u" .5 "_s, 0.5},
+                                           {u"1E+2"_s, 100.0}})
+            QCOMPARE(pastedNumber(text), std::optional(number));
+        for (const QString& text : {u""_s, u"-"_s, u"1,5"_s, u"3个"_s, u"1.2.3"_s, u"E5"_s})
+            QVERIFY2(!pastedNumber(text), qPrintable(text));
     }
 
     // The form --------------------------------------------------------------------------------------------------------

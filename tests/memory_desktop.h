@@ -36,6 +36,7 @@ public:
     {
         classes += u"%1|%2|%3"_s.arg(key, subkey, value);
     }
+    void beep() override { ++beeps; }
     void endProcess() override { ++ends; }
 
     QHash<QString, QString> settings; ///< by "application/section/key" in small letters
@@ -43,6 +44,7 @@ public:
     QStringList opened;
     QStringList started;
     QStringList classes; ///< "key|subkey|value"
+    int beeps = 0;
     int ends = 0;
 
 private:

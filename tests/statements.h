@@ -52,6 +52,11 @@ inline constexpr const char16_t* systemStatements[] = {
     u"select TC2.F1,TC2.F2,TC2.F3 AS PDR ,TC2.F5,TC2.F6,TC2.F9,TC2.F10,TC2.F3 from TC2    Where TC2.F1 like "
     u"'*PD*'  ",
     // Document entry
+    u"select F1,F2,F5 from TA4",
+    u"select F1,F2,F5 from TA4 order by F1",
+    u"select F1,F2 from TA2 order by F1",
+    u"select F1,F2,F5,F4,F8 from TA4 where F1='A1'",
+    u"select F1,F2 from TA1 where F1='001'",
     u"select F1,(F2+'/'+F5) AS MC,F4,2 as sl,F7 from TA4 where F1='A1'",
     u"select F1,(F2+'/'+F5) AS MC ,F4,F71 from TA4 where F1='A1'",
     u"select top 500 F1,F2,F5,F8,F4 from TA4 where F1 like 'A*'  order by F1",

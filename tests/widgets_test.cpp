@@ -726,6 +726,8 @@ private slots:
         code->setCursorPosition(2);
         typeText(code.get(), u"xy"_s);
         QCOMPARE(code->text(), u"LSXY-8货ß"_s);
+        typeText(code.get(), u"ａ－１"_s);
+        QCOMPARE(code->text(), u"LSXYA-1-8货ß"_s);
     }
 
     void numbersTakeNoInputMethod()

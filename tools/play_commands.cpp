@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QRadioButton>
 
@@ -160,6 +161,10 @@ void Player::addActing()
     handlers_[u"keys"_s] = [](const Line& line, int) {
         needFocusSomewhere();
         typeText(line.operands[0]);
+        return false;
+    };
+    handlers_[u"clipboard"_s] = [](const Line& line, int) {
+        QGuiApplication::clipboard()->setText(line.operands[0]);
         return false;
     };
     handlers_[u"key"_s] = [](const Line& line, int) {

@@ -134,6 +134,11 @@ void ScriptedDesktop::registerClass(const QString&, const QString&, const QStrin
     // A session leaves the file types of the machine alone.
 }
 
+void ScriptedDesktop::beep()
+{
+    state_.shellCalls += u"beep"_s;
+}
+
 void ScriptedDesktop::endProcess()
 {
     end_();

@@ -46,6 +46,7 @@ public:
     void open(const QString& target) override;
     void run(const QString& commandLine) override;
     void registerClass(const QString& key, const QString& subkey, const QString& value) override;
+    void beep() override;
     void endProcess() override;
 
 private:

@@ -28,6 +28,7 @@ constexpr CommandRow commandRows[] = {
     {"date", "CD"},            {"tab", "CN"},            {"row", "CN"},            {"dbl", "Cn"},
     {"cell", "CNNT"},          {"click-cell", "CNN"},    {"close", "F"},           {"answer", "T"},
     {"wait", "F"},             {"beside", "P"},          {"idle", "N"},            {"crash", ""},
+    {"clipboard", "T"},
     {"expect", "CT"},          {"expect-has", "CT"},     {"expect-cell", "CNNT"},  {"expect-rows", "CN"},
     {"expect-items", "CN"},    {"expect-box", "T"},      {"expect-box-has", "T"},  {"expect-title", "T"},
     {"expect-no-box", ""},     {"expect-on", "C"},       {"expect-off", "C"},      {"expect-visible", "C"},

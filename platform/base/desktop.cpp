@@ -49,6 +49,11 @@ void registerClass(const QString& key, const QString& subkey, const QString& val
     desktop().registerClass(key, subkey, value);
 }
 
+void Beep()
+{
+    desktop().beep();
+}
+
 void endProcess()
 {
     if (beforeEnd)

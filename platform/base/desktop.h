@@ -24,6 +24,7 @@ public:
     virtual void run(const QString& commandLine) = 0; ///< a program, its arguments behind a blank
     /// One text value of the class root of file types.
     virtual void registerClass(const QString& key, const QString& subkey, const QString& value) = 0;
+    virtual void beep() {}         ///< for who doesn't look at the screen
     virtual void endProcess() = 0; ///< does not return in the program
 };
 
@@ -37,6 +38,7 @@ QString userFolder(const QString& application);
 void ShellExecute(const QString& target);
 void Shell(const QString& commandLine);
 void registerClass(const QString& key, const QString& subkey, const QString& value);
+void Beep();
 /// Ends the process at once, with no closing step but that hook. Only under a test's host does it return.
 void endProcess();
 /// What must not outlive the process: files that tell others of it.

@@ -35,9 +35,9 @@ void MsgBox(const QString& text, const QString& title, BoxIcon icon)
     asking().show({text, title, icon});
 }
 
-bool askYesNo(const QString& text, const QString& title)
+bool askYesNo(const QString& text, const QString& title, Answer preset)
 {
-    return asking().show({text, title, BoxIcon::Question, BoxButtons::YesNo}) == Answer::Yes;
+    return asking().show({text, title, BoxIcon::Question, BoxButtons::YesNo, BoxKind::Message, preset}) == Answer::Yes;
 }
 
 void errorBox(const QString& text)

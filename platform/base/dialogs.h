@@ -25,6 +25,7 @@ struct Box
     BoxIcon icon = BoxIcon::Information;
     BoxButtons buttons = BoxButtons::Ok;
     BoxKind kind = BoxKind::Message;
+    Answer preset = Answer::Yes; ///< of a question: what Enter answers
 };
 
 struct InputRequest
@@ -85,8 +86,8 @@ std::function<void()> setBeforeAsking(std::function<void()> hook);
 void beforeAsking();
 
 void MsgBox(const QString& text, const QString& title = u"提示"_s, BoxIcon icon = BoxIcon::Information);
-/// Yes and No, Yes as default, question icon.
-bool askYesNo(const QString& text, const QString& title = u"提示"_s);
+/// Yes and No, question icon. @param preset what Enter answers: Yes, but for what is likely a slip
+bool askYesNo(const QString& text, const QString& title = u"提示"_s, Answer preset = Answer::Yes);
 void errorBox(const QString& text);
 /// "" when the operator cancels.
 QString InputBox(const QString& prompt, const QString& title, const QString& preset);

@@ -1,6 +1,7 @@
 #include "platform/widgets/controls.h"
 
 #include "platform/base/date.h"
+#include "platform/base/width.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/style.h"
 
@@ -175,7 +176,8 @@ QLineEdit* makeEdit(const QString& name, int index, EditKind kind)
         edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         break;
     case EditKind::Code:
-        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit](QString text) {
+        QObject::connect(edit, &QLineEdit::textEdited, edit, [edit](const QString& typed) {
+            QString text = plainWidth(typed);
             for (QChar& c : text)
                 c = c.toUpper(); // one for one, so that the cursor keeps its place
             if (text == edit->text())

@@ -27,7 +27,8 @@ QString controlName(const QString& name, int index = -1);
 
 enum class EditKind { Text, Number, Code, Password };
 
-/// Number: right-aligned, takes no input method. Code: what is typed turns to capitals.
+/// Number: right-aligned, takes no input method; digits in full width stay as typed, since `Val` reads them. Code: what
+/// is typed turns to capitals, and from full width to plain letters and digits.
 QLineEdit* makeEdit(const QString& name, int index = -1, EditKind kind = EditKind::Text);
 /// Editable combos neither complete what is typed nor insert what they don't know: either would turn a new code into
 /// another partner's.

@@ -6,6 +6,7 @@
 #include "platform/widgets/manual_window.h"
 #include "platform/widgets/style.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -188,6 +189,11 @@ public:
 #else
         types_.set(key, subkey, value);
 #endif
+    }
+
+    void beep() override
+    {
+        QApplication::beep();
     }
 
     void endProcess() override

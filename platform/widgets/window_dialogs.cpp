@@ -120,8 +120,8 @@ public:
             execModal(window);
             return Answer::Ok;
         }
-        window.addButton(u"是(&Y)"_s, QDialog::Accepted, true);
-        window.addButton(u"否(&N)"_s, QDialog::Rejected, false);
+        window.addButton(u"是(&Y)"_s, QDialog::Accepted, box.preset != Answer::No);
+        window.addButton(u"否(&N)"_s, QDialog::Rejected, box.preset == Answer::No);
         return execModal(window) == QDialog::Accepted ? Answer::Yes : Answer::No;
     }
 
