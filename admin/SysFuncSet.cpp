@@ -96,7 +96,7 @@ void SysFuncSet::build()
     for (int i = 0; i < int(captions.size()); ++i)
         Chk[i] = makeCheck(u"Chk"_s, captions[size_t(i)].toString(), i);
     Txt[SalePriceFactor] = makeEdit(u"Txt"_s, SalePriceFactor, EditKind::Number);
-    Txt[SalePriceFactor]->setFixedWidth(80);
+    style::fixWidth(Txt[SalePriceFactor], 80);
     Txt[SalePriceFactor]->setAccessibleName(u"销售价与成本价的比率"_s);
     Txt[Decimals] = makeEdit(u"Txt"_s, Decimals, EditKind::Number);
     Txt[Decimals]->setAccessibleName(u"价格、金额的小数位数"_s);
@@ -106,7 +106,7 @@ void SysFuncSet::build()
     const QStringList halves = decimalsCaption.split(u' ', Qt::SkipEmptyParts);
     Lab[Decimals] = makeLabel(u"Lab"_s, halves.first(), Decimals);
     Lab[Decimals]->setProperty("caption", decimalsCaption);
-    Txt[Decimals]->setFixedWidth(40);
+    style::fixWidth(Txt[Decimals], 40);
     for (const int i : {int(SalePriceFactor), int(Decimals)})
         enterMovesOn(Txt[i]);
 
@@ -134,7 +134,7 @@ void SysFuncSet::build()
     group(u"库存报警"_s, {Chk[6], Chk[7]});
     group(u"最高权限管理员"_s, {Chk[StockEdit], Chk[openingBox]});
     for (const int id : {0, 1, 2, 3, 5, 6, 7, 8, 9})
-        Chk[id]->setMinimumHeight(style::rowHeight);
+        Chk[id]->setMinimumHeight(style::rowHeight());
 
     Cmd[0] = makeButton(
         u"Cmd"_s, u"确 定"_s, [this] { save(); }, 0, ButtonLook::Primary);
@@ -143,7 +143,7 @@ void SysFuncSet::build()
     for (QPushButton* button : Cmd)
         button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
-    setMinimumWidth(460);
+    style::keepWidth(this, 460);
     const std::array<QWidget*, 14> order{Chk[0], Chk[1], Chk[3], Chk[2], Chk[4], Txt[4], Chk[5],
                                          Txt[9], Chk[6], Chk[7], Chk[8], Chk[9], Cmd[0], Cmd[1]};
     for (size_t i = 1; i < order.size(); ++i)

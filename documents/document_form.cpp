@@ -170,7 +170,7 @@ void DocumentForm::buildDetail()
     for (QLabel* label : {count_, Lab[Total]})
         setLook(label, LabelLook::Field);
     showAsTotal(Txt[Total]);
-    Txt[Total]->setFixedWidth(160);
+    style::fixWidth(Txt[Total], 160);
 
     detailPage()->addLayout(fields);
     detailPage()->addWidget(lines, 1);

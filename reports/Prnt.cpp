@@ -75,7 +75,7 @@ void Prnt::buildBar()
     CmdNext = tool(u"CmdNext"_s, u"下页"_s, u"下一页 (PgDn)"_s, [this] { View->setPage(View->page() + 1); });
     CmdLast = tool(u"CmdLast"_s, u"末页"_s, u"最后一页 (End)"_s, [this] { View->setPage(View->pageCount()); });
     TxtPage = makeEdit(u"TxtPage"_s, -1, EditKind::Number);
-    TxtPage->setFixedWidth(56);
+    style::fixWidth(TxtPage, 56);
     TxtPage->setAccessibleName(u"页码"_s);
     LabPages = makeLabel(u"LabPages"_s, {});
     connect(TxtPage, &QLineEdit::returnPressed, this, [this] { runCommand([this] { goToPage(); }); });
@@ -89,13 +89,13 @@ void Prnt::buildBar()
     CmbZoom = makeCombo(u"CmbZoom"_s);
     for (const int percent : percents)
         CmbZoom->addItem(percentText(percent));
-    CmbZoom->setFixedWidth(84);
+    style::fixWidth(CmbZoom, 84);
     CmbZoom->setAccessibleName(u"显示比例"_s);
     connect(CmbZoom, &QComboBox::activated, this, [this] { runCommand([this] { chooseZoom(); }); });
     connect(CmbZoom->lineEdit(), &QLineEdit::returnPressed, this, [this] { runCommand([this] { chooseZoom(); }); });
 
     TxtFind = makeEdit(u"TxtFind"_s);
-    TxtFind->setFixedWidth(150);
+    style::fixWidth(TxtFind, 150);
     TxtFind->setPlaceholderText(u"查找 (Ctrl+F)"_s);
     TxtFind->setAccessibleName(u"查找"_s);
     connect(TxtFind, &QLineEdit::returnPressed, this, [this] { runCommand([this] { findNext(); }); });

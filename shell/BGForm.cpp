@@ -49,9 +49,11 @@ BGForm::BGForm(QWidget* area)
         palette.setColor(QPalette::Disabled, QPalette::WindowText, style::color(role));
         label->setPalette(palette);
     };
-    paint(LabBig[0], style::Role::MenuGround);
-    paint(LabBig[1], style::Role::MenuText);
-    paint(Lab, style::Role::MenuGround);
+    style::follow(this, [this, paint] {
+        paint(LabBig[0], style::Role::MenuGround);
+        paint(LabBig[1], style::Role::MenuText);
+        paint(Lab, style::Role::MenuGround);
+    });
     setEnabled(false);
 }
 

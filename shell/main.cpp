@@ -1,7 +1,7 @@
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/widgets/form.h"
-#include "platform/widgets/style.h"
+#include "platform/widgets/look.h"
 #include "platform/widgets/system_desktop.h"
 #include "platform/widgets/window_dialogs.h"
 #include "shell/entry.h"
@@ -17,7 +17,8 @@ int main(int argc, char* argv[])
     QApplication::setQuitOnLastWindowClosed(false); // only the exit commands end the process
     setDesktopHost(systemDesktop());
     setDialogHost(windowDialogs());
-    style::apply(application);
+    style::apply(application, keptLook());
+    listenForFontKeys();
     setProgramFolder(QApplication::applicationDirPath());
     QTimer::singleShot(0, &application,
                        [] { runCommand([] { runEntry(commandLineOf(QApplication::arguments().mid(1))); }); });

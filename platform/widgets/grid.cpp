@@ -7,12 +7,14 @@
 #include "platform/base/number.h"
 #include "platform/base/status.h"
 #include "platform/widgets/form.h"
+#include "platform/widgets/grid_settings.h"
 #include "platform/widgets/style.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QItemSelection>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRegularExpression>
@@ -216,7 +218,7 @@ public:
 protected:
     void paintSection(QPainter* painter, const QRect& rect, int section) const override
     {
-        const int above = groupOf(section).isEmpty() ? 0 : style::headerHeight;
+        const int above = groupOf(section).isEmpty() ? 0 : style::headerHeight();
         QHeaderView::paintSection(painter, rect.adjusted(0, above, 0, 0), section);
     }
 
@@ -233,7 +235,7 @@ protected:
                 continue;
             QStyleOptionHeader option;
             initStyleOption(&option);
-            option.rect = QRect(sectionViewportPosition(first), 0, width, style::headerHeight);
+            option.rect = QRect(sectionViewportPosition(first), 0, width, style::headerHeight());
             option.section = first;
             option.text = group;
             option.textAlignment = Qt::AlignCenter;
@@ -264,8 +266,6 @@ public:
     bool number = false;
 };
 
-const QString gridSettings = u"Vemaroware"_s;
-const QString gridSection = u"Grid"_s;
 /// A tab or a line break inside a cell would look like the next cell or row.
 QString tabbedLine(QStringList cells)
 {
@@ -276,7 +276,6 @@ QString tabbedLine(QStringList cells)
     return cells.join(u'\t') + u'\n';
 }
 
-constexpr int smallestColumn = 24;
 constexpr int numbersWidth = 38; ///< of the row numbers, up to 9999; more digits widen it
 
 } // namespace
@@ -370,11 +369,7 @@ Grid::Grid(const QString& name, QWidget* parent)
     setVerticalScrollMode(ScrollPerItem);
     setCornerButtonEnabled(false);
 
-    verticalHeader()->setMinimumSectionSize(style::rowHeight);
-    verticalHeader()->setDefaultSectionSize(style::rowHeight);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setMinimumWidth(numbersWidth);
-    horizontalHeader()->setFixedHeight(style::headerHeight);
     horizontalHeader()->setMinimumSectionSize(smallestColumn);
     for (QHeaderView* header : {verticalHeader(), horizontalHeader()}) {
         header->setHighlightSections(false);
@@ -382,11 +377,18 @@ Grid::Grid(const QString& name, QWidget* parent)
     }
     horizontalHeader()->viewport()->installEventFilter(this);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
-        if (dragging_ && !fitting_ && column < columns_.size()) {
-            columns_[column].width = width;
+        if (dragging_ && !fitting_ && column < columns_.size() && width > 0) {
+            columns_[column].width = style::unscaled(width);
             widthsChanged_ = true;
         }
         fitStretch();
+        placeEditor();
+        totals_->update();
+    });
+    connect(horizontalHeader(), &QHeaderView::sectionMoved, this, [this] {
+        if (arranging_)
+            return;
+        saveWidths();
         placeEditor();
         totals_->update();
     });
@@ -399,20 +401,41 @@ Grid::Grid(const QString& name, QWidget* parent)
     addAction(u"GridCopyAll"_s, u"全部复制(&A)"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C, &Grid::copyAll);
     addAction(u"GridSave"_s, u"保存为文件(&S)..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S, &Grid::saveAs);
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    style::follow(this, [this] { dress(); });
+}
+
+/// Measures that follow the font.
+void Grid::dress()
+{
+    const bool pinned = totals_->pinned;
+    showAllRows(); // a row out of sight would come back in its old height
+    unpinTotals();
+    verticalHeader()->setMinimumSectionSize(style::rowHeight());
+    verticalHeader()->setDefaultSectionSize(style::rowHeight());
+    verticalHeader()->setMinimumWidth(style::scaled(numbersWidth));
+    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
+    for (int column = 0; column < columns_.size(); ++column)
+        setColumnWidth(column, style::scaled(columns_[column].width));
+    fitStretch();
+    if (pinned)
+        pinTotals();
+    else
+        applyNarrowing();
+    placeEditor();
 }
 
 void Grid::setColumns(const QList<GridColumn>& columns)
 {
     dropEdit();
+    showAllRows();
     columns_ = columns;
+    defaultWidths_.clear();
+    for (const GridColumn& column : columns)
+        defaultWidths_ += column.width;
     model_->setColumns(columns);
     fixedRows_ = model_->grouped() ? 2 : 1;
-    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight);
-    for (int column = 0; column < columns.size(); ++column) {
-        setColumnWidth(column, columns[column].width);
-        setColumnHidden(column, columns[column].hidden);
-    }
-    fitStretch();
+    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
+    arrange();
 }
 
 void Grid::clearRows()
@@ -423,7 +446,9 @@ void Grid::clearRows()
 void Grid::setRows(QList<QStringList> rows)
 {
     dropEdit();
+    showAllRows();
     model_->setRows(std::move(rows));
+    applyNarrowing();
 }
 
 int Grid::fixedRows() const
@@ -494,6 +519,8 @@ void Grid::RemoveItem(int row)
             cell_.ry() -= 1;
     }
     model_->remove(row - fixedRows_, 1);
+    if (!words_.isEmpty())
+        applyNarrowing(); // it may have been the last one that showed
     placeEditor();
 }
 
@@ -511,14 +538,14 @@ void Grid::select(int row, int column)
 {
     if (!isDataRow(row) || (state_ == EditState::Open && !endEdit()))
         return;
-    const QModelIndex index = indexOf(row, std::clamp(column, 0, std::max(Cols() - 1, 0)));
+    const QModelIndex index = indexOf(shownRowAt(row), std::clamp(column, 0, std::max(Cols() - 1, 0)));
     setCurrentIndex(index);
     scrollTo(index);
 }
 
 bool Grid::columnVisible(int column) const
 {
-    return column >= 0 && column < Cols() && !isColumnHidden(column);
+    return column >= 0 && column < Cols() && !columns_[column].hidden;
 }
 
 void Grid::setColumnVisible(int column, bool visible)
@@ -526,7 +553,7 @@ void Grid::setColumnVisible(int column, bool visible)
     if (column < 0 || column >= Cols())
         return;
     columns_[column].hidden = !visible;
-    setColumnHidden(column, !visible);
+    showColumn(column);
     fitStretch();
 }
 
@@ -547,10 +574,23 @@ void Grid::pinTotals()
     setRowHidden(last, true);
     totals_->pinned = true;
     totals_->row = model_->index(last, 0);
-    for (int column = 0; column < Cols(); ++column) // a sum that is cut off reads as another one
+    widenForTotals();
+    if (!words_.isEmpty())
+        applyNarrowing(); // which took them for a row
+    updateGeometries();
+}
+
+/// A sum that is cut off reads as another one.
+void Grid::widenForTotals()
+{
+    for (int column = 0; column < Cols() && totals_->pinned; ++column)
         if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
             setColumnWidth(column, std::max(columnWidth(column), totals_->widthOf(column)));
-    updateGeometries();
+}
+
+bool Grid::totalsPinned() const
+{
+    return totals_->pinned;
 }
 
 void Grid::unpinTotals()
@@ -574,17 +614,24 @@ void Grid::placeTotals()
 {
     const bool pinned = totals_->pinned && totals_->row.isValid();
     const QMargins margins = viewportMargins();
-    const int room = viewport()->height() + margins.bottom();
+    const int line = narrowing_ && !narrowing_->isHidden() ? narrowing_->sizeHint().height() : 0;
+    const int room = viewport()->height() + margins.bottom() - line;
     const int rows = verticalHeader()->length();
-    const int reserved = pinned && rows + style::rowHeight > room ? style::rowHeight : 0;
-    if (margins.bottom() != reserved)
-        setViewportMargins(margins.left(), margins.top(), margins.right(), reserved);
+    const int reserved = pinned && rows + style::rowHeight() > room ? style::rowHeight() : 0;
+    if (margins.bottom() != reserved + line)
+        setViewportMargins(margins.left(), margins.top(), margins.right(), reserved + line);
+    if (line > 0) {
+        const int left = verticalHeader()->x();
+        narrowing_->setGeometry(left, viewport()->geometry().bottom() + 1 + reserved,
+                                viewport()->geometry().right() + 1 - left, line);
+        narrowing_->raise();
+    }
     totals_->setVisible(pinned);
     if (!pinned)
         return;
     const QRect view = viewport()->geometry();
     const int left = verticalHeader()->x();
-    totals_->setGeometry(left, view.top() + std::min(rows, view.height()), view.right() + 1 - left, style::rowHeight);
+    totals_->setGeometry(left, view.top() + std::min(rows, view.height()), view.right() + 1 - left, style::rowHeight());
     totals_->raise();
     totals_->update();
 }
@@ -803,12 +850,16 @@ bool Grid::eventFilter(QObject* watched, QEvent* event)
     } else if (watched == horizontalHeader()->viewport()) {
         if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
             dragging_ = true;
+            // Groups stand over the columns as they were made.
+            horizontalHeader()->setSectionsMovable(list_ && !model_->grouped());
         } else if (event->type() == QEvent::MouseButtonRelease) {
             dragging_ = false;
             if (std::exchange(widthsChanged_, false))
                 saveWidths();
         }
     }
+    if (TxtNarrow && watched == TxtNarrow && narrowingKey(event))
+        return true;
     return QTableView::eventFilter(watched, event);
 }
 
@@ -829,6 +880,17 @@ void Grid::keyPressEvent(QKeyEvent* event)
         runCommand([&] { emit activatedRow(row); });
         return;
     }
+    if (list_ && plain && event->key() == Qt::Key_Escape && !narrowing_->isHidden()) {
+        endNarrowing();
+        return;
+    }
+    if (list_ && printable && !event->text().trimmed().isEmpty()) {
+        openNarrowing();
+        TxtNarrow->deselect(); // what is typed goes on what stands there
+        TxtNarrow->end(false);
+        QCoreApplication::sendEvent(TxtNarrow, event);
+        return;
+    }
     QTableView::keyPressEvent(event);
     const bool extends = event->modifiers() & Qt::ShiftModifier;
     if (state_ == EditState::Idle && plain && !extends && Row() > 0 && (Row() != row || Col() != column))
@@ -837,6 +899,11 @@ void Grid::keyPressEvent(QKeyEvent* event)
 
 void Grid::inputMethodEvent(QInputMethodEvent* event)
 {
+    if (list_) {
+        openNarrowing();
+        QCoreApplication::sendEvent(TxtNarrow, event);
+        return;
+    }
     if (state_ != EditState::Idle || !opens(Row(), Col())) {
         QTableView::inputMethodEvent(event);
         return;
@@ -848,9 +915,11 @@ void Grid::inputMethodEvent(QInputMethodEvent* event)
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
     QTableView::currentChanged(current, previous);
-    setAttribute(Qt::WA_InputMethodEnabled, current.isValid() &&
-                                                columns_[current.column()].kind != ColumnKind::Number &&
-                                                opens(rowOf(current), current.column()));
+    setAttribute(Qt::WA_InputMethodEnabled,
+                 list_ || (current.isValid() && columns_[current.column()].kind != ColumnKind::Number &&
+                           opens(rowOf(current), current.column())));
+    if (current.column() != previous.column())
+        showSelection();
     if (current.isValid() && current.row() != previous.row())
         runCommand([&] { emit currentRowChanged(rowOf(current)); });
 }
@@ -901,7 +970,7 @@ void Grid::scrollContentsBy(int dx, int dy)
         totals_->update();
 }
 
-// ---- copying, saving and widths
+// ---- copying and saving
 
 QString Grid::selectionAsText() const
 {
@@ -911,10 +980,11 @@ QString Grid::selectionAsText() const
             rows.insert(row);
     QString result;
     for (const int row : rows) {
+        if (isRowHidden(row))
+            continue; // selected over, but out of sight
         QStringList cells;
-        for (int column = 0; column < Cols(); ++column)
-            if (!isColumnHidden(column))
-                cells += model_->text(row, column);
+        for (const int column : seenColumns())
+            cells += model_->text(row, column);
         result += tabbedLine(cells);
     }
     return result;
@@ -930,16 +1000,18 @@ void Grid::copySelection()
 TableContent Grid::content() const
 {
     TableContent table;
-    for (int column = 0; column < Cols(); ++column)
-        if (!isColumnHidden(column)) {
-            table.captions += model_->captionAlone(column);
-            table.numeric += columns_[column].kind == ColumnKind::Number;
-        }
+    const QList<int> columns = seenColumns();
+    for (const int column : columns) {
+        table.captions += model_->captionAlone(column);
+        table.numeric += columns_[column].kind == ColumnKind::Number;
+    }
+    const bool some = narrowed();
     for (int row = 0; row < model_->rowCount(); ++row) {
+        if (some && isRowHidden(row)) // the totals too, which are hidden where they are pinned
+            continue;
         QStringList cells;
-        for (int column = 0; column < Cols(); ++column)
-            if (!isColumnHidden(column))
-                cells += model_->text(row, column);
+        for (const int column : columns)
+            cells += model_->text(row, column);
         table.rows += cells;
     }
     const bool placeHolder = table.rows.size() == 1 && table.rows[0].join(QString()).isEmpty();
@@ -992,7 +1064,7 @@ void Grid::saveAs()
     setStatusPanel(panel, u"表格已保存到："_s + *path);
 }
 
-void Grid::addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)())
+QAction* Grid::addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)())
 {
     auto* action = new QAction(caption, this);
     action->setObjectName(name);
@@ -1000,53 +1072,5 @@ void Grid::addAction(const QString& name, const QString& caption, const QKeySequ
     action->setShortcutContext(Qt::WidgetShortcut);
     connect(action, &QAction::triggered, this, [this, run] { runCommand([this, run] { (this->*run)(); }); });
     QTableView::addAction(action);
-}
-
-void Grid::rememberWidths(const QString& key)
-{
-    widthsKey_ = key;
-    if (key.isEmpty())
-        return;
-    const QStringList widths = GetSetting(gridSettings, gridSection, key).split(u',', Qt::SkipEmptyParts);
-    if (widths.size() != columns_.size())
-        return; // none yet, or those of another set of columns
-    for (int column = 0; column < columns_.size(); ++column) {
-        const int width = int(Val(widths[column]));
-        if (width >= smallestColumn) {
-            columns_[column].width = width;
-            setColumnWidth(column, width);
-        }
-    }
-    fitStretch();
-}
-
-void Grid::saveWidths() const
-{
-    if (widthsKey_.isEmpty())
-        return;
-    QStringList widths;
-    for (const GridColumn& column : columns_)
-        widths += plainText(column.width);
-    SaveSetting(gridSettings, gridSection, widthsKey_, widths.join(u','));
-}
-
-void Grid::fitStretch()
-{
-    if (fitting_)
-        return;
-    int stretching = -1;
-    int others = 0;
-    for (int column = 0; column < columns_.size(); ++column) {
-        if (isColumnHidden(column))
-            continue;
-        if (columns_[column].stretch)
-            stretching = column;
-        else
-            others += columnWidth(column);
-    }
-    if (stretching < 0)
-        return;
-    fitting_ = true;
-    setColumnWidth(stretching, std::max(columns_[stretching].width, viewport()->width() - others));
-    fitting_ = false;
+    return action;
 }
