@@ -44,7 +44,7 @@ LookSet::LookSet()
     content()->addLayout(groups, 1);
     content()->addWidget(note);
     content()->addLayout(makeRow({CmdDefault, nullptr, CmdClose}));
-    style::keepWidth(this, 460);
+    style::keepWidth(content()->parentWidget(), 460);
     style::follow(this, [this] { showPresent(); }); // the keys change it too
 }
 
@@ -58,8 +58,6 @@ void LookSet::showPresent()
     const style::Look& look = style::look();
     OptLook[int(look.scheme)]->setChecked(true);
     OptFont[presentFontSize()]->setChecked(true);
-    if (isVisible())
-        adjustSize();
 }
 
 QWidget* LookSet::firstFocus()

@@ -143,7 +143,7 @@ void SysFuncSet::build()
     for (QPushButton* button : Cmd)
         button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
-    style::keepWidth(this, 460);
+    style::keepWidth(content()->parentWidget(), 460);
     const std::array<QWidget*, 14> order{Chk[0], Chk[1], Chk[3], Chk[2], Chk[4], Txt[4], Chk[5],
                                          Txt[9], Chk[6], Chk[7], Chk[8], Chk[9], Cmd[0], Cmd[1]};
     for (size_t i = 1; i < order.size(); ++i)

@@ -7,6 +7,7 @@
 #include "platform/report/page_view.h"
 #include "platform/report/printers.h"
 #include "platform/widgets/controls.h"
+#include "platform/widgets/look.h"
 #include "platform/widgets/style.h"
 #include "reports/PrntHelp.h"
 #include "reports/report_rows.h"
@@ -45,6 +46,7 @@ Prnt::Prnt()
     addCommand(u"Menu_xls"_s, u"&X.导出Excel"_s, [this] { Menu_xls(); });
     View = new PageView(u"Cry"_s);
     connect(View, &PageView::changed, this, [this] { showState(); });
+    keepFontKeys(this);
     buildBar();
     content()->addWidget(View, 1);
     const QStringList names = printers().names();

@@ -293,6 +293,13 @@ void Player::addKeeping()
         expectState(u"the document "_s + path, open.savePdf(path), u"a failure to write it"_s);
         return false;
     };
+    handlers_[u"size"_s] = [](const Line& line, int) {
+        const auto main = world::find(u"MForm"_s);
+        if (!main.form)
+            fail(u"a main window"_s, u"none"_s);
+        main.form->resize(line.integer(0), line.integer(1));
+        return false;
+    };
     handlers_[u"say"_s] = [](const Line& line, int) {
         printLine(line.operands[0]);
         return false;

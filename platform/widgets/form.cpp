@@ -90,12 +90,12 @@ public:
         });
     }
 
-    QSize sizeHint() const override { return fitting(widget()->sizeHint()); }
+    QSize sizeHint() const override { return fitting(widget()->sizeHint().expandedTo(widget()->minimumSize())); }
     QSize minimumSizeHint() const override
     {
         constexpr QSize least(240, 120);
         const bool child = !parentWidget() || !parentWidget()->isWindow();
-        return child ? least : fitting(widget()->minimumSizeHint());
+        return child ? least : fitting(widget()->minimumSizeHint().expandedTo(widget()->minimumSize()));
     }
     bool hasHeightForWidth() const override { return widget()->layout()->hasHeightForWidth(); }
     int heightForWidth(int width) const override { return widget()->heightForWidth(width); }

@@ -199,6 +199,17 @@ public:
         painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
         painter->restore();
     }
+
+protected:
+    /// A number and the text in the next column need more air between them than the toolkit leaves.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (option->displayAlignment & Qt::AlignRight)
+            option->text += u' ';
+        else if (option->displayAlignment & Qt::AlignLeft)
+            option->text.prepend(u' ');
+    }
 };
 
 /// The toolkit measures all captions and up to 200 row numbers anew after each change. The captions' height is given,
@@ -331,7 +342,7 @@ protected:
     }
 
 private:
-    static constexpr int textMargin = 3;
+    static constexpr int textMargin = 6;
 
     QFont bold() const
     {
@@ -519,8 +530,10 @@ void Grid::RemoveItem(int row)
             cell_.ry() -= 1;
     }
     model_->remove(row - fixedRows_, 1);
-    if (!words_.isEmpty())
-        applyNarrowing(); // it may have been the last one that showed
+    if (!words_.isEmpty()) { // it may have been the last one that showed
+        showAllRows();
+        applyNarrowing();
+    }
     placeEditor();
 }
 

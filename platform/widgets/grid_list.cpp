@@ -379,7 +379,7 @@ void Grid::applyNarrowing()
         QString cells;
         bool any = false;
         for (int row = 0; row < count; ++row) {
-            cells.clear();
+            cells.resize(0); // keeps its room
             for (const int column : columns) {
                 cells += TextMatrix(row + fixedRows_, column);
                 cells += u'\n'; // no word stands in two cells

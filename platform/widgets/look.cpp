@@ -26,6 +26,8 @@ int fontSizeOf(double points)
     return int(nearest - fontSizes.begin());
 }
 
+constexpr auto ownKeysProperty = "ownFontKeys";
+
 class FontKeys : public QObject
 {
 public:
@@ -38,6 +40,8 @@ public:
         const auto* key = static_cast<QKeyEvent*>(event);
         // Plus stands over another sign on most keyboards.
         if ((key->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != Qt::ControlModifier)
+            return false;
+        if (const QWidget* window = QApplication::activeWindow(); window && window->property(ownKeysProperty).toBool())
             return false;
         switch (key->key()) {
         case Qt::Key_Plus:
@@ -89,6 +93,11 @@ void changeLook(const style::Look& look)
 int presentFontSize()
 {
     return fontSizeOf(style::look().points);
+}
+
+void keepFontKeys(QWidget* window)
+{
+    window->setProperty(ownKeysProperty, true);
 }
 
 void listenForFontKeys()

@@ -25,3 +25,5 @@ void changeLook(const style::Look& look);
 int presentFontSize();
 /// From here on Ctrl+Plus and Ctrl+Minus choose the next font size in every window, Ctrl+0 the standard one.
 void listenForFontKeys();
+/// But not in that window, where they enlarge something else: the page of a print preview.
+void keepFontKeys(QWidget* window);

@@ -167,10 +167,10 @@ QCheckBox::indicator:checked:disabled, QRadioButton::indicator:checked:disabled 
 
 QTableView { background: @gridBase; alternate-background-color: @gridAlternate; gridline-color: @lines;
     border: 1px solid @lines; selection-background-color: @selectedRow; selection-color: @selectedText; }
-QTableView QLineEdit#TxtEnter { background: @field; border: 2px solid @accent; border-radius: 0; padding: 0 1px;
+QTableView QLineEdit#TxtEnter { background: @field; border: 2px solid @accent; border-radius: 0; padding: 0 3px;
     min-height: 0; }
 QHeaderView { background: @window; border: none; }
-QHeaderView::section { background: @headerGround; color: @headerText; border: none; padding: 0 ~3px;
+QHeaderView::section { background: @headerGround; color: @headerText; border: none; padding: 0 ~5px;
     border-right: 1px solid @lines; border-bottom: 1px solid @lines; }
 QTableCornerButton::section { background: @headerGround; border: none; border-right: 1px solid @lines;
     border-bottom: 1px solid @lines; }
