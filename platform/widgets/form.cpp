@@ -16,6 +16,7 @@
 #include <QTabBar>
 
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -304,7 +305,8 @@ void Form::hideEvent(QHideEvent* event)
 
 void Form::focusInside()
 {
-    QWidget* current = focusWidget();
+    // The area has put the focus somewhere before the form is asked.
+    QWidget* current = std::exchange(entered_, true) ? focusWidget() : nullptr;
     if (current && current != this && isAncestorOf(current) && current->isEnabled() && !bar_->isAncestorOf(current)) {
         current->setFocus();
         return;

@@ -123,6 +123,7 @@ QLineEdit, QComboBox, QDateEdit, QSpinBox, QPlainTextEdit, QTextEdit, QTextBrows
     background: @field; color: @text; border: 1px solid @lines; border-radius: 3px;
     selection-background-color: @accent; selection-color: @accentText; }
 QLineEdit, QComboBox, QDateEdit, QSpinBox { padding: ~2px ~5px; min-height: ~21px; }
+QDateEdit { min-width: ~88px; }
 QLineEdit:focus, QComboBox:focus, QDateEdit:focus, QSpinBox:focus, QPlainTextEdit:focus, QTextEdit:focus,
     QListView:focus, QTreeView:focus { border-color: @accent; }
 QLineEdit:read-only, QPlainTextEdit:read-only { background: @readOnly; }
@@ -182,6 +183,7 @@ QScrollBar::handle:hover { background: @mutedText; }
 QScrollBar::handle:vertical { min-height: ~28px; }
 QScrollBar::handle:horizontal { min-width: ~28px; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QAbstractScrollArea::corner { background: @window; border: none; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 
 QProgressBar { background: @field; border: 1px solid @lines; border-radius: 3px; text-align: center; }
