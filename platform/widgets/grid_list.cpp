@@ -235,7 +235,7 @@ void Grid::actAsList()
     TxtNarrow->setPlaceholderText(u"几个字，用空格隔开"_s);
     TxtNarrow->installEventFilter(this);
     style::fixWidth(TxtNarrow, 220);
-    narrowed_ = makeLabel(u"LabNarrow"_s, {});
+    narrowed_ = makeBadge(u"LabNarrow"_s);
     auto* close = makeButton(
         u"CmdNarrow"_s, u"关闭"_s,
         [this] {
