@@ -325,6 +325,7 @@ protected:
         painter.drawLine(left - 1, 0, left - 1, height());
         painter.setClipRect(left, 0, width() - left, height());
         painter.setFont(bold());
+        bool marked = !grid_.narrowed(); // else its first words must tell that it isn't the sum of the rows above it
         for (int column = 0; column < grid_.Cols(); ++column) {
             const QRect cell(left + grid_.columnViewportPosition(column), 1, grid_.columnWidth(column), height() - 2);
             if (cell.width() == 0)
@@ -335,8 +336,10 @@ protected:
             painter.drawLine(cell.topRight(), cell.bottomRight());
             painter.setPen(ink.isValid() ? ink : style::color(style::Role::Text));
             const QRect inside = cell.adjusted(textMargin, 0, -textMargin - 1, 0);
-            const QString text =
-                painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, inside.width());
+            QString text = index.data().toString();
+            if (!text.isEmpty() && !std::exchange(marked, true))
+                text.prepend(u"全部"_s);
+            text = painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width());
             painter.drawText(inside, grid_.model_->data(index, Qt::TextAlignmentRole).toInt(), text);
         }
     }
