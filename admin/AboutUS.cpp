@@ -48,7 +48,7 @@ AboutUS::AboutUS()
     content()->addLayout(row);
     content()->addSpacing(style::spacing * 2);
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1], Cmd[2]}));
-    setMinimumWidth(480);
+    style::keepWidth(content()->parentWidget(), 480);
 }
 
 void AboutUS::setService(const QString& line)

@@ -49,7 +49,7 @@ void S1::buildDetail()
     constexpr int widest = 640;
     auto* block = new QWidget;
     block->setLayout(fields);
-    block->setMaximumWidth(widest);
+    style::follow(block, [block] { block->setMaximumWidth(style::scaled(widest)); });
     auto* row = makeRow({block, nullptr});
     row->setStretch(0, widest);
     detailPage()->addLayout(row);

@@ -48,7 +48,7 @@ S3::S3()
     content()->addWidget(note);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({cmd[1], nullptr, cmd[0], cmd[2]}));
-    setMinimumWidth(440);
+    style::keepWidth(content()->parentWidget(), 440);
 }
 
 /// Stock can't be reset without a new start of the year.

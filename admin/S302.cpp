@@ -79,7 +79,7 @@ S302::S302()
     content()->addLayout(fields);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({nullptr, cmd[0], cmd[1]}));
-    setMinimumWidth(460);
+    style::keepWidth(content()->parentWidget(), 460);
 }
 
 int S302::chosen() const

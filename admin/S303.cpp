@@ -53,7 +53,7 @@ S303::S303()
     content()->addWidget(kinds);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({nullptr, cmd[0], cmd[1]}));
-    setMinimumWidth(440);
+    style::keepWidth(content()->parentWidget(), 440);
 }
 
 void S303::clear()

@@ -41,7 +41,7 @@ S32::S32()
     content()->addWidget(note);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({Command3, nullptr, Command1, Command2}));
-    setMinimumWidth(500);
+    style::keepWidth(content()->parentWidget(), 500);
 }
 
 void S32::restore()

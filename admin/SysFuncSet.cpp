@@ -130,10 +130,10 @@ void SysFuncSet::build()
     for (int i = 0; i < int(settingBoxes.size()); ++i) {
         Chk[i] = makeCheck(u"Chk"_s, settingBoxes[size_t(i)].caption.toString(), i);
         if (i != SalePriceFactor) // whose field makes its line high enough
-            Chk[i]->setMinimumHeight(style::rowHeight);
+            Chk[i]->setMinimumHeight(style::rowHeight());
     }
     Txt[SalePriceFactor] = makeEdit(u"Txt"_s, SalePriceFactor, EditKind::Number);
-    Txt[SalePriceFactor]->setFixedWidth(80);
+    style::fixWidth(Txt[SalePriceFactor], 80);
     Txt[SalePriceFactor]->setAccessibleName(u"销售价与成本价的比率"_s);
     Txt[Decimals] = makeEdit(u"Txt"_s, Decimals, EditKind::Number);
     Txt[Decimals]->setAccessibleName(u"价格、金额的小数位数"_s);
@@ -143,7 +143,7 @@ void SysFuncSet::build()
     const QStringList halves = decimalsCaption.split(u' ', Qt::SkipEmptyParts);
     Lab[Decimals] = makeLabel(u"Lab"_s, halves.first(), Decimals);
     Lab[Decimals]->setProperty("caption", decimalsCaption);
-    Txt[Decimals]->setFixedWidth(40);
+    style::fixWidth(Txt[Decimals], 40);
     for (const int i : {int(SalePriceFactor), int(Decimals)})
         enterMovesOn(Txt[i]);
 
@@ -184,7 +184,7 @@ void SysFuncSet::build()
     for (QPushButton* button : Cmd)
         button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
-    setMinimumWidth(460);
+    style::keepWidth(content()->parentWidget(), 460);
     order += {Cmd[0], Cmd[1]};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);

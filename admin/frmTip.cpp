@@ -16,7 +16,7 @@ frmTip::frmTip()
     lblTipText = makeLabel(u"lblTipText"_s, QString());
     lblTipText->setWordWrap(true);
     lblTipText->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-    lblTipText->setMinimumSize(440, 150);
+    style::follow(lblTipText, [this] { lblTipText->setMinimumSize(style::scaled(440), style::scaled(150)); });
     auto* heading = makeLabel(u"lblHeading"_s, u"您知道吗……"_s);
     setLook(heading, LabelLook::Heading);
     chkLoadTipsAtStartup = makeCheck(u"chkLoadTipsAtStartup"_s, u"每次启动系统时都自动显示一条"_s);

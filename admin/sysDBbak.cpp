@@ -21,7 +21,7 @@ void showNote(QLabel* note, const QString& text)
 {
     note->setText(text);
     note->ensurePolished();
-    note->setFixedHeight(qMax(0, note->heightForWidth(notesWidth)));
+    note->setFixedHeight(qMax(0, note->heightForWidth(style::scaled(notesWidth))));
 }
 
 QLabel* makeNote(const QString& name, const QString& text)
@@ -29,8 +29,11 @@ QLabel* makeNote(const QString& name, const QString& text)
     auto* note = makeLabel(name, QString());
     note->setTextFormat(Qt::PlainText); // the texts begin with blanks
     note->setWordWrap(true);
-    note->setFixedWidth(notesWidth);
-    showNote(note, text);
+    note->setText(text);
+    style::follow(note, [note] {
+        note->setFixedWidth(style::scaled(notesWidth));
+        showNote(note, note->text());
+    });
     return note;
 }
 
@@ -66,7 +69,7 @@ sysDBbak::sysDBbak()
     , settings_(BackupSettings::read().value_or(BackupSettings()))
 {
     Txt = makeEdit(u"Txt"_s, -1, EditKind::Number);
-    Txt->setFixedWidth(80);
+    style::fixWidth(Txt, 80);
     Txt->setText(settings_.interval);
     Txt->setAccessibleName(u"自动备份的周期天数"_s);
     Command2 = makeButton(u"Command2"_s, u"保存设置"_s, [this] { saveSettings(); });

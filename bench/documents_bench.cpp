@@ -251,36 +251,64 @@ void suggestGoods(benchmark::State& state)
 }
 BENCHMARK(suggestGoods)->DenseRange(0, 7)->UseManualTime()->Unit(benchmark::kMillisecond);
 
-/// 100,000 rows of eight cells into a grid and on to the screen, beside making the texts alone.
-void fillGrid(benchmark::State& state)
+QList<QStringList> manyRows()
 {
-    const auto texts = [] {
-        QList<QStringList> rows;
-        for (int row = 0; row < 100'000; ++row) {
-            QStringList& cells = rows.emplaceBack();
-            for (int column = 0; column < 8; ++column)
-                cells += QString::number(row * 8 + column);
-        }
-        return rows;
-    };
-    Grid grid(u"GD"_s);
+    QList<QStringList> rows;
+    for (int row = 0; row < 100'000; ++row) {
+        QStringList& cells = rows.emplaceBack();
+        for (int column = 0; column < 8; ++column)
+            cells += QString::number(row * 8 + column);
+    }
+    return rows;
+}
+
+void openWide(Grid& grid)
+{
     QList<GridColumn> columns;
     for (int column = 0; column < 8; ++column)
         columns += GridColumn{QString::number(column), 100, column % 2 ? ColumnKind::Number : ColumnKind::Text};
     grid.setColumns(columns);
     grid.resize(1200, 700);
     grid.show();
+}
+
+/// 100,000 rows of eight cells into a grid and on to the screen, beside making the texts alone.
+void fillGrid(benchmark::State& state)
+{
+    Grid grid(u"GD"_s);
+    openWide(grid);
     Beside beside(state);
     for (auto _ : state)
         beside.turn(
             [&] {
-                grid.setRows(texts());
+                grid.setRows(manyRows());
                 grid.select(grid.Rows() - 1);
                 QCoreApplication::processEvents();
             },
-            [&] { benchmark::DoNotOptimize(texts()); });
+            [&] { benchmark::DoNotOptimize(manyRows()); });
 }
 BENCHMARK(fillGrid)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The same rows narrowed to about a tenth and shown again, as two letters typed do, beside making the texts alone.
+void narrowGrid(benchmark::State& state)
+{
+    Grid grid(u"GD"_s);
+    grid.actAsList();
+    openWide(grid);
+    grid.setRows(manyRows());
+    grid.select(1);
+    Beside beside(state);
+    for (auto _ : state)
+        beside.turn(
+            [&] {
+                for (const QString& text : {u"777"_s, QString()}) {
+                    grid.narrow(text);
+                    QCoreApplication::processEvents();
+                }
+            },
+            [&] { benchmark::DoNotOptimize(manyRows()); });
+}
+BENCHMARK(narrowGrid)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -188,7 +188,7 @@ void DocumentForm::buildDetail()
     keeping_ = new QTimer(this);
     connect(keeping_, &QTimer::timeout, this, &DocumentForm::keepEntry);
     showAsTotal(Txt[Total]);
-    Txt[Total]->setFixedWidth(160);
+    style::fixWidth(Txt[Total], 160);
 
     detailPage()->addWidget(LabKept);
     detailPage()->addLayout(fields);

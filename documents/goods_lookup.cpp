@@ -22,7 +22,8 @@ GoodsLookup::GoodsLookup(const QString& stockCaption, bool withNewGoods)
     GdQuery->setColumns({{u"货品编码"_s, 150},
                          {u"货品名称/规格"_s, 360, ColumnKind::Text, false, true},
                          {stockCaption, 140, ColumnKind::Number}});
-    GdQuery->setFixedHeight(style::headerHeight + shownRows * style::rowHeight + 2);
+    style::follow(GdQuery,
+                  [this] { GdQuery->setFixedHeight(style::headerHeight() + shownRows * style::rowHeight() + 2); });
     LabInfo = makeLabel(u"LabInfo"_s, QString());
     CmdBox[0] = makeButton(
         u"CmdBox"_s, u"选 定"_s, [this] { choose(); }, 0, ButtonLook::Primary);

@@ -109,9 +109,9 @@ void LineEntry::connectScan()
 void LineEntry::build()
 {
     TxtHPBM = makeEdit(u"TxtHPBM"_s, -1, EditKind::Code);
-    TxtHPBM->setFixedWidth(150);
+    style::fixWidth(TxtHPBM, 150);
     TxtSL = makeEdit(u"TxtSL"_s, -1, EditKind::Number);
-    TxtSL->setFixedWidth(90);
+    style::fixWidth(TxtSL, 90);
     CmdQuery = makeButton(
         u"CmdQuery"_s, u"?"_s, [this] { lookUp(); }, -1, ButtonLook::Compact);
     CmdQuery->setToolTip(u"查找货品编码资料"_s);

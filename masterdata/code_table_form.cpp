@@ -4,6 +4,7 @@
 #include "ledger/document_tables.h"
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
+#include "platform/widgets/style.h"
 #include "reports/printing.h"
 
 #include <numeric>
@@ -62,7 +63,7 @@ void CodeTableForm::buildDetail()
         fields->add(Lab.last(), Txt.last(), field.span);
     }
     auto* block = new QWidget;
-    block->setMaximumWidth(widest);
+    style::follow(block, [block] { block->setMaximumWidth(style::scaled(widest)); });
     fields->setContentsMargins(0, 0, 0, 0);
     block->setLayout(fields);
     auto* row = makeRow({block, nullptr});

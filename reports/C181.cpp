@@ -9,6 +9,7 @@
 #include "platform/base/status.h"
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
+#include "platform/widgets/style.h"
 #include "reports/Query.h"
 #include "reports/printing.h"
 #include "shell/session.h"
@@ -139,7 +140,7 @@ void C181::buildContent()
                u"   2.使用[系统管理]-->[帐本数据清除]-->[帐本数据初始化]功能。"_s);
     });
     Comb = makeCombo(u"Comb"_s, -1, false);
-    Comb->setMinimumWidth(300);
+    style::keepWidth(Comb, 300);
     Comb->setAccessibleName(u"报表"_s);
     connect(Comb, &QComboBox::currentIndexChanged, this, [this] { runCommand([this] { chooseReport(); }); });
     Cmd = makeButton(
@@ -147,6 +148,7 @@ void C181::buildContent()
     CmdDel = makeButton(u"CmdDel"_s, saveWord.toString(), [this] { saveOrDelete(); });
 
     GD = new Grid(u"GD"_s);
+    GD->actAsList();
     QList<GridColumn> columns = {
         {.caption = u"编码"_s, .width = 80, .group = u"货品属性"_s},
         {.caption = u"名称/规格/单位"_s, .width = 150, .stretch = true, .group = u"货品属性"_s},

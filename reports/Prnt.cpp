@@ -7,6 +7,7 @@
 #include "platform/report/page_view.h"
 #include "platform/report/printers.h"
 #include "platform/widgets/controls.h"
+#include "platform/widgets/look.h"
 #include "platform/widgets/style.h"
 #include "reports/PrntHelp.h"
 #include "reports/report_rows.h"
@@ -45,6 +46,7 @@ Prnt::Prnt()
     addCommand(u"Menu_xls"_s, u"&X.导出Excel"_s, [this] { Menu_xls(); });
     View = new PageView(u"Cry"_s);
     connect(View, &PageView::changed, this, [this] { showState(); });
+    keepFontKeys(this);
     buildBar();
     content()->addWidget(View, 1);
     const QStringList names = printers().names();
@@ -75,7 +77,7 @@ void Prnt::buildBar()
     CmdNext = tool(u"CmdNext"_s, u"下页"_s, u"下一页 (PgDn)"_s, [this] { View->setPage(View->page() + 1); });
     CmdLast = tool(u"CmdLast"_s, u"末页"_s, u"最后一页 (End)"_s, [this] { View->setPage(View->pageCount()); });
     TxtPage = makeEdit(u"TxtPage"_s, -1, EditKind::Number);
-    TxtPage->setFixedWidth(56);
+    style::fixWidth(TxtPage, 56);
     TxtPage->setAccessibleName(u"页码"_s);
     LabPages = makeLabel(u"LabPages"_s, {});
     connect(TxtPage, &QLineEdit::returnPressed, this, [this] { runCommand([this] { goToPage(); }); });
@@ -89,13 +91,13 @@ void Prnt::buildBar()
     CmbZoom = makeCombo(u"CmbZoom"_s);
     for (const int percent : percents)
         CmbZoom->addItem(percentText(percent));
-    CmbZoom->setFixedWidth(84);
+    style::fixWidth(CmbZoom, 84);
     CmbZoom->setAccessibleName(u"显示比例"_s);
     connect(CmbZoom, &QComboBox::activated, this, [this] { runCommand([this] { chooseZoom(); }); });
     connect(CmbZoom->lineEdit(), &QLineEdit::returnPressed, this, [this] { runCommand([this] { chooseZoom(); }); });
 
     TxtFind = makeEdit(u"TxtFind"_s);
-    TxtFind->setFixedWidth(150);
+    style::fixWidth(TxtFind, 150);
     TxtFind->setPlaceholderText(u"查找 (Ctrl+F)"_s);
     TxtFind->setAccessibleName(u"查找"_s);
     connect(TxtFind, &QLineEdit::returnPressed, this, [this] { runCommand([this] { findNext(); }); });

@@ -108,7 +108,8 @@ Query::Query()
     content()->addLayout(makeRow({heading, nullptr, CmdRemove}));
     content()->addWidget(Lst, 1);
     content()->addLayout(makeRow({nullptr, CmdQuery, Cmdcancel}));
-    setMinimumSize(600, 380);
+    style::follow(
+        this, [inside = content()->parentWidget()] { inside->setMinimumSize(style::scaled(600), style::scaled(340)); });
 
     enterMovesOn(CmbLG);
     enterMovesOn(CmbF);

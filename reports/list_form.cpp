@@ -115,6 +115,7 @@ ListForm::ListForm(const QString& name)
     : Form(name, QString())
 {
     GD = new Grid(u"GD"_s);
+    GD->actAsList();
     barred_ = makeLabel(u"LabBarred"_s, QString());
     barred_->setAlignment(Qt::AlignCenter);
     barred_->hide();

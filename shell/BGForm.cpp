@@ -49,9 +49,11 @@ BGForm::BGForm(QWidget* area)
         palette.setColor(QPalette::Disabled, QPalette::WindowText, style::color(role));
         label->setPalette(palette);
     };
-    paint(LabBig[0], style::Role::MenuGround);
-    paint(LabBig[1], style::Role::MenuText);
-    paint(Lab, style::Role::MenuGround);
+    style::follow(this, [this, paint] {
+        paint(LabBig[0], style::Role::MenuGround);
+        paint(LabBig[1], style::Role::MenuText);
+        paint(Lab, style::Role::MenuGround);
+    });
     setEnabled(false);
 }
 
@@ -88,9 +90,13 @@ void BGForm::fitTo(QSize size)
     resize(size);
     Img->setGeometry(rect());
     if (!picture_.isNull() && !size.isEmpty()) {
-        const QPixmap scaled = picture_.scaled(size, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
-        Img->setPixmap(scaled.copy((scaled.width() - size.width()) / 2, (scaled.height() - size.height()) / 2,
-                                   size.width(), size.height()));
+        const qreal ratio = devicePixelRatioF();
+        const QSize dots = size * ratio;
+        const QPixmap scaled = picture_.scaled(dots, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+        QPixmap shown = scaled.copy((scaled.width() - dots.width()) / 2, (scaled.height() - dots.height()) / 2,
+                                    dots.width(), dots.height());
+        shown.setDevicePixelRatio(ratio);
+        Img->setPixmap(shown);
     }
     for (QLabel* label : {LabBig[0], LabBig[1], Lab})
         label->adjustSize();

@@ -3,6 +3,7 @@
 #include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "platform/widgets/controls.h"
+#include "platform/widgets/style.h"
 #include "shell/rights.h"
 #include "shell/session.h"
 
@@ -43,7 +44,7 @@ CompanySet::CompanySet()
     for (QPushButton* button : Cmd)
         button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
-    setMinimumWidth(520);
+    style::keepWidth(content()->parentWidget(), 520);
 }
 
 QStringList CompanySet::typed() const

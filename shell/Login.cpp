@@ -76,7 +76,7 @@ Login::Login()
     content()->addLayout(row);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1], Cmd[2]}));
-    setMinimumWidth(440);
+    style::keepWidth(content()->parentWidget(), 440);
 
     onFocusOut(Cmb, [this] { takeAccount(); });
     connect(Cmb->lineEdit(), &QLineEdit::returnPressed, Txt[1], qOverload<>(&QWidget::setFocus));

@@ -2,6 +2,7 @@
 
 #include "admin/AboutUS.h"
 #include "admin/CheckUp.h"
+#include "admin/LookSet.h"
 #include "admin/S1.h"
 #include "admin/S2.h"
 #include "admin/S3.h"
@@ -23,6 +24,7 @@
 #include "platform/base/files.h"
 #include "platform/base/status.h"
 #include "platform/widgets/form.h"
+#include "platform/widgets/grid.h"
 #include "platform/widgets/status_panels.h"
 #include "platform/widgets/style.h"
 #include "reports/C1.h"
@@ -209,6 +211,7 @@ const MenuRow menuRows[] = {
     {"Quit",          "menu_S",   u"&8.退出本系统",          command,   anyone, +[] { MForm::get().close(); }},
     {"Menu_Who",      "menu_S",   u"&9.谁在使用帐本",        command,   anyone, &showSessions},
     {"Menu_check",    "menu_S",   u"&0.帐本体检",            command,   OperatorRight::Admin, &openForm<CheckUp>},
+    {"Menu_Look",     "menu_S",   u"&D.显示设置",            command,   anyone, &openModal<LookSet>},
     {"H",             "",         u"&H.使用说明",            menu,      anyone},
     {"Menu_help",     "H",        u"&1.软件使用说明书",      command,   anyone, +[] { openManual(); }},
     {"Menu_frmtip",   "H",        u"&2.[恒仓宁]知识点滴",    command,   anyone, &openModal<frmTip>},
@@ -349,6 +352,7 @@ void MForm::setCaption(const QString& caption)
 void MForm::setOperator(const QString& name)
 {
     panels_->setText(OperatorPanel, name);
+    Grid::setOperator(gOperId);
     if (name.isEmpty())
         presence_.remove();
     else

@@ -87,7 +87,7 @@ ZbSet::ZbSet()
     content()->addLayout(fields);
     content()->addSpacing(style::spacing);
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1], Cmd[2], Cmd[3]}));
-    setMinimumWidth(560);
+    style::keepWidth(content()->parentWidget(), 560);
 
     for (int i : {0, 1})
         connect(Cmb[i], &QComboBox::currentIndexChanged, this, &ZbSet::select);

@@ -1,7 +1,7 @@
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/widgets/form.h"
-#include "platform/widgets/style.h"
+#include "platform/widgets/look.h"
 #include "platform/widgets/system_desktop.h"
 #include "platform/widgets/window_dialogs.h"
 #include "shell/entry.h"
@@ -18,7 +18,8 @@ int main(int argc, char* argv[])
     QApplication::setQuitOnLastWindowClosed(false); // only the exit commands end the process
     setDesktopHost(systemDesktop());
     setDialogHost(windowDialogs());
-    style::apply(application);
+    style::apply(application, keptLook());
+    listenForFontKeys();
     const ProgramFolder folder = programFolder(QApplication::applicationDirPath());
     if (!folder.trouble.isEmpty()) {
         errorBox(folder.trouble);

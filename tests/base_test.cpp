@@ -219,6 +219,21 @@ private slots:
         QVERIFY(!sameText(u"É", u"é")); // beyond ASCII case counts, as in the ledger
     }
 
+    void sumsAreDecimal()
+    {
+        DecimalSum sum;
+        QCOMPARE(sum.text(), u"0"_s);
+        for (int i = 0; i < 10; ++i)
+            sum.add(u"0.1"_s);
+        QCOMPARE(sum.text(), u"1.0"_s);
+        for (const QStringView text : {u"-12.345", u"", u"２.00", u"9000000000.01", u"1E-06"})
+            sum.add(text);
+        QCOMPARE(sum.text(), u"8999999990.665001"_s);
+        sum.add(u"-8999999991"_s);
+        QCOMPARE(sum.text(), u"-0.334999"_s);
+        QCOMPARE(foldedText(u"ＡbＣ　１（货"_s), u"abc 1(货"_s);
+    }
+
     void namesAreFoundWithoutRegardToCase()
     {
         const QTemporaryDir folder;

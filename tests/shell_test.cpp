@@ -1031,6 +1031,7 @@ private slots:
                                u" Quit &8.退出本系统"_s,
                                u" Menu_Who &9.谁在使用帐本"_s,
                                u" Menu_check &0.帐本体检"_s,
+                               u" Menu_Look &D.显示设置"_s,
                                u"H &H.使用说明"_s,
                                u" Menu_help &1.软件使用说明书"_s,
                                u" Menu_frmtip &2.[恒仓宁]知识点滴"_s,

@@ -156,7 +156,7 @@ class WidgetsTest : public QObject
 private slots:
     void initTestCase()
     {
-        style::apply(*qApp, style::Scheme::Light);
+        style::apply(*qApp, {style::Scheme::Light});
         MemoryDesktop::install();
     }
 
@@ -699,6 +699,111 @@ private slots:
         QCOMPARE(otherColumns.columnWidth(0), 100);
     }
 
+    void listsAreArrangedPerOperator()
+    {
+        MemoryDesktop& desktop = MemoryDesktop::install();
+        Grid grid(u"GD"_s);
+        grid.actAsList();
+        grid.setColumns({{u"编码"_s, 100}, {u"名称"_s, 100}, {u"成本"_s, 100}, {u"数量"_s, 100, ColumnKind::Number}});
+        grid.setColumnVisible(2, false); // as where a right is missing
+        grid.setRows({{u"A1"_s, u"螺栓"_s, u"9"_s, u"10"_s}, {u"A2"_s, u"螺母"_s, u"8"_s, u"20"_s}});
+        grid.rememberWidths(u"C1/GD"_s);
+        Grid::setOperator(u"002"_s);
+        grid.resize(600, 200);
+        grid.show();
+        MainWindow::settle();
+
+        QWidget* header = grid.horizontalHeader()->viewport();
+        QTest::mousePress(header, Qt::LeftButton, Qt::NoModifier, QPoint(250, 10));
+        QTest::mouseMove(header, QPoint(200, 10));
+        QTest::mouseMove(header, QPoint(120, 10));
+        QTest::mouseRelease(header, Qt::LeftButton, Qt::NoModifier, QPoint(120, 10));
+        QCOMPARE(grid.content().captions.join(u'|'), u"编码|数量|名称"_s); // as seen
+        QCOMPARE(grid.TextMatrix(1, 3), u"10"_s);
+        grid.selectAll();
+        QCOMPARE(grid.selectionAsText(), u"A1\t10\t螺栓\nA2\t20\t螺母\n"_s);
+
+        const auto menuOf = [&](auto&& look) {
+            grid.findChild<QAction*>(u"GridColumns"_s)->trigger();
+            look(*grid.findChild<QMenu*>());
+            qDeleteAll(grid.findChildren<QMenu*>());
+        };
+        menuOf([](QMenu& menu) {
+            QVERIFY(!menu.findChild<QAction*>(u"GridColumn(2)"_s)); // not to be had that way
+            QVERIFY(!menu.findChild<QAction*>(u"GridColumn(0)"_s)->isEnabled());
+            menu.findChild<QAction*>(u"GridColumn(1)"_s)->trigger();
+        });
+        QCOMPARE(grid.content().captions.join(u'|'), u"编码|数量"_s);
+        QVERIFY(grid.columnVisible(1)); // prints still have it
+        QCOMPARE(desktop.settings.value(u"vemaroware/grid/002/c1/gd"_s), u"0:100,3:100,1:100-,2:100"_s);
+        grid.setColumnVisible(2, true);
+        Grid::setOperator(u"003"_s);
+        QCOMPARE(grid.content().captions.join(u'|'), u"编码|名称|成本|数量"_s);
+        Grid::setOperator(u"002"_s);
+        QCOMPARE(grid.content().captions.join(u'|'), u"编码|数量|成本"_s);
+        menuOf([](QMenu& menu) { menu.findChild<QAction*>(u"GridColumnsReset"_s)->trigger(); });
+        QCOMPARE(grid.content().captions.join(u'|'), u"编码|名称|成本|数量"_s);
+        Grid::setOperator({});
+    }
+
+    void narrowedListsKeepTheirRows()
+    {
+        QWidget holder;
+        Grid grid(u"GD"_s, &holder);
+        grid.actAsList();
+        grid.setColumns({{u"编码"_s, 100}, {u"名称"_s, 100}, {u"数量"_s, 100, ColumnKind::Number}});
+        const QList<QStringList> rows = {{u"A1"_s, u"螺栓 M8"_s, u"0.1"_s},
+                                         {u"A2"_s, u"螺母"_s, u"7"_s},
+                                         {u"B1"_s, u"螺栓 m10"_s, u"0.20"_s},
+                                         {u"合计"_s, QString(), u"7.3"_s}};
+        grid.setRows(rows);
+        grid.pinTotals();
+        grid.resize(500, 300);
+        holder.show();
+        holder.activateWindow();
+        MainWindow::settle();
+        grid.setFocus();
+        grid.select(2);
+        QStringList sums;
+        setStatusHost({[](int, const QString&) {},
+                       [](int) { return QString(); },
+                       {},
+                       {},
+                       [&](const QString& text) { sums += text; }});
+
+        grid.narrow(u"Ｍ 螺栓"_s);
+        QCOMPARE(grid.shownRows(), 2);
+        QCOMPARE(grid.Row(), 3); // the row that was current is out of sight
+        QCOMPARE(grid.Rows(), 5);
+        QCOMPARE(grid.TextMatrix(2, 0), u"A2"_s);
+        QCOMPARE(grid.content().rows.size(), 2); // no totals, which are those of all rows
+        grid.select(2);
+        QCOMPARE(grid.Row(), 3);
+        grid.select(1, 2);
+        QTest::keyClick(&grid, Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(sums.value(sums.size() - 1), u"已选 2 行　数量 合计 0.30"_s); // without the row between
+        QCOMPARE(grid.selectionAsText().count(u'\n'), 2);
+        grid.narrow(u"没有"_s);
+        QCOMPARE(grid.shownRows(), 2);
+        grid.narrow(u"螺母"_s);
+        grid.RemoveItem(2); // the last one that shows; the totals are a row like others now
+        QCOMPARE(grid.shownRows(), 3);
+        QVERIFY(!grid.narrowed());
+        grid.setRows(rows);
+        grid.pinTotals();
+        QCOMPARE(grid.shownRows(), 1);
+        style::apply(*qApp, {style::Scheme::Light, 14});
+        QCOMPARE(grid.shownRows(), 1);
+        QCOMPARE(grid.rowHeight(1), style::rowHeight());
+        QVERIFY(style::rowHeight() > 30);
+        QTest::keyClick(&grid, Qt::Key_Escape);
+        QCOMPARE(grid.shownRows(), 3);
+        QCOMPARE(grid.rowHeight(0), style::rowHeight()); // also of those that were out of sight
+        style::apply(*qApp, {style::Scheme::Light});
+        QCOMPARE(grid.columnWidth(1), 100);
+        setStatusHost({});
+    }
+
     // ---- controls
 
     void comboTakesWhatIsTyped()
@@ -1091,11 +1196,12 @@ private slots:
 
     void bothSchemesComeFromTheTable()
     {
-        style::apply(*qApp, style::Scheme::Dark);
+        qunsetenv("HCN_LOOK"); // it would have the say
+        style::apply(*qApp, {style::Scheme::Dark});
         QVERIFY(style::dark());
         QCOMPARE(QApplication::palette().color(QPalette::Window), style::color(style::Role::Window));
         QVERIFY(!qApp->styleSheet().contains(u'@')); // every name was replaced
-        style::apply(*qApp, style::Scheme::Light);
+        style::apply(*qApp, {style::Scheme::Light});
         QVERIFY(style::color(style::Role::Window).lightness() > 128);
     }
 };

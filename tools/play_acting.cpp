@@ -111,7 +111,9 @@ QModelIndex cellIndex(Grid* grid, const QString& name, int row, int column)
     if (row < 1 || row >= grid->Rows() || column >= grid->Cols())
         fail(u"a cell %1, %2 in %3"_s.arg(row).arg(column).arg(name),
              u"%1 rows and %2 columns"_s.arg(grid->Rows()).arg(grid->Cols()));
-    if (!grid->columnVisible(column))
+    if (grid->narrowed() && grid->isRowHidden(row - 1))
+        fail(u"a row %1 in sight in %2"_s.arg(row).arg(name), u"one that the narrowing hides"_s);
+    if (grid->isColumnHidden(column))
         fail(u"a visible column %1 in %2"_s.arg(column).arg(name), u"a hidden one"_s);
     return grid->model()->index(row - 1, column);
 }
@@ -119,7 +121,7 @@ QModelIndex cellIndex(Grid* grid, const QString& name, int row, int column)
 int firstVisibleColumn(const Grid* grid)
 {
     int column = 0;
-    while (column + 1 < grid->Cols() && !grid->columnVisible(column))
+    while (column + 1 < grid->Cols() && grid->isColumnHidden(column))
         ++column;
     return column;
 }

@@ -244,7 +244,7 @@ void Player::addExpecting()
              const Grid* grid = gridOf(use);
              if (use.line.integer(1) >= grid->Cols())
                  fail(u"a column %1 in %2"_s.arg(use.line.operands[1], use.name), u"%1 columns"_s.arg(grid->Cols()));
-             return grid->columnVisible(use.line.integer(1));
+             return !grid->isColumnHidden(use.line.integer(1));
          }},
     };
     for (const StateRow& row : rows)

@@ -3,7 +3,7 @@
 #include "ledger/store.h"
 #include "platform/base/clock.h"
 #include "platform/widgets/form.h"
-#include "platform/widgets/style.h"
+#include "platform/widgets/look.h"
 #include "shell/entry.h"
 #include "shell/session.h"
 #include "tools/play_hosts.h"
@@ -251,9 +251,10 @@ int playAsWorker(int argc, char* argv[])
     for (const Qt::UIEffect effect : {Qt::UI_AnimateMenu, Qt::UI_FadeMenu, Qt::UI_AnimateCombo, Qt::UI_AnimateTooltip,
                                       Qt::UI_FadeTooltip, Qt::UI_AnimateToolBox})
         QApplication::setEffectEnabled(effect, false);
-    style::apply(application);
     setProgramFolder(order.programFolder);
     Player player(order, std::get<Script>(script));
+    style::apply(application, keptLook());
+    listenForFontKeys();
     player.start();
     QApplication::exec();
     fail(u"a running program"_s, u"the end of its message loop"_s);

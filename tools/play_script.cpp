@@ -37,7 +37,7 @@ constexpr CommandRow commandRows[] = {
     {"expect-sql", "Q"},       {"expect-file", "P"},     {"expect-no-file", "P"},  {"expect-shell", "T"},
     {"expect-ended", ""},      {"expect-page", "T"},     {"expect-pages", "N"},
     {"sql", "T"},              {"dump", "C"},            {"shot", "P"},            {"pdf", "P"},
-    {"say", "T"},              {"end", ""},
+    {"say", "T"},              {"size", "NN"},           {"end", ""},
 };
 // clang-format on
 

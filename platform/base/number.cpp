@@ -1,5 +1,8 @@
 #include "platform/base/number.h"
 
+#include "platform/base/text.h"
+
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -174,6 +177,43 @@ QString Format(double x, QStringView mask)
     if (!fraction.empty())
         text += '.' + fraction;
     return QString::fromStdString(text);
+}
+
+void DecimalSum::add(QStringView text)
+{
+    constexpr qint64 unit = 1'000'000'000'000'000;
+    // By the decimal text of what is read, which has neither exponent nor another sign than "-".
+    QString decimal = Format(Val(text), u"#0.###############");
+    const bool negative = decimal.startsWith(u'-');
+    if (negative)
+        decimal.remove(0, 1);
+    const qsizetype point = decimal.indexOf(u'.');
+    const QString part = point < 0 ? QString() : decimal.mid(point + 1);
+    decimals_ = std::max(decimals_, part.size());
+    // A money column writes its zeros: so does its sum.
+    const qsizetype writtenPoint = text.lastIndexOf(u'.');
+    if (writtenPoint >= 0 && !text.contains(u'E'))
+        decimals_ = std::clamp(text.size() - writtenPoint - 1, decimals_, qsizetype(places));
+    const qint64 whole = decimal.left(point < 0 ? decimal.size() : point).toLongLong();
+    const qint64 behind = part.leftJustified(places, u'0').toLongLong();
+    whole_ += negative ? -whole : whole;
+    part_ += negative ? -behind : behind;
+    whole_ += part_ / unit;
+    part_ %= unit;
+    if (whole_ > 0 && part_ < 0) {
+        --whole_;
+        part_ += unit;
+    } else if (whole_ < 0 && part_ > 0) {
+        ++whole_;
+        part_ -= unit;
+    }
+}
+
+QString DecimalSum::text() const
+{
+    const QString whole = QString::number(std::abs(whole_));
+    const QString part = QString::number(std::abs(part_)).rightJustified(places, u'0').left(decimals_);
+    return (whole_ < 0 || part_ < 0 ? u"-"_s : QString()) + whole + (part.isEmpty() ? QString() : u'.' + part);
 }
 
 double Fix(double x)

@@ -17,6 +17,23 @@ double Val(QStringView text);
 /// zero, so 2.675 by "#0.00" is "2.68". A zero never has a sign.
 QString Format(double x, QStringView mask);
 
+/// The sum of written numbers, exact to the last decimal of them, where doubles would drift.
+class DecimalSum
+{
+public:
+    /// The number that the text begins with, read as `Val` does; a text without one adds nothing.
+    void add(QStringView text);
+    /// With as many decimals as the longest of what was added, 15 at most.
+    QString text() const;
+
+private:
+    static constexpr int places = 15;
+
+    qint64 whole_ = 0;
+    qint64 part_ = 0; ///< behind the point, in units of the last place; of the same sign as `whole_`, or it stands at 0
+    qsizetype decimals_ = 0;
+};
+
 /// The whole part, towards zero.
 double Fix(double x);
 

@@ -16,6 +16,12 @@ void setStatusPanel(int panel, const QString& text)
         current.write(panel, text);
 }
 
+void setStatusSelection(const QString& text)
+{
+    if (current.selection)
+        current.selection(text);
+}
+
 QString statusPanel(int panel)
 {
     return current.read ? current.read(panel) : QString();

@@ -15,6 +15,8 @@ struct StatusHost
     std::function<void(bool)> busy = {};
     /// How far it is, drawn at once; a total of 0 takes the bar away.
     std::function<void(qint64 done, qint64 total)> progress = {};
+    /// Beside the panels: what the rows come to that are selected in a list; "" for nothing.
+    std::function<void(const QString&)> selection = {};
 };
 
 /// The last panel: the ledger's name, what a form tells of its rows, or that the program is busy.
@@ -23,6 +25,7 @@ inline constexpr int busyPanel = 4;
 void setStatusHost(StatusHost host);
 void setStatusPanel(int panel, const QString& text);
 QString statusPanel(int panel);
+void setStatusSelection(const QString& text);
 
 /// Shows that long work goes on, for the time of its life: a text in the last panel, the busy pointer and a bar. It is
 /// drawn without a turn of the message loop, so that no click gets in between. One inside another shows nothing.

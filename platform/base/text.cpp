@@ -50,6 +50,21 @@ QString entryOf(QStringView code, QStringView name)
     return code.toString() + u'.' + name.toString();
 }
 
+QString foldedText(QString text)
+{
+    for (QChar& c : text) {
+        if (c >= u'\uFF01' && c <= u'\uFF5E')
+            c = QChar(char16_t(c.unicode() - u'\uFF01' + u'!'));
+        if (c < u'\x80')
+            c = asciiLower(c);
+        else if (c == u'\u3000')
+            c = u' ';
+        else if (c < u'\u2E80') // Chinese characters, most of what there is, have no case
+            c = c.toLower();
+    }
+    return text;
+}
+
 bool sameText(QStringView a, QStringView b)
 {
     if (a.size() != b.size())

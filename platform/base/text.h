@@ -38,3 +38,7 @@ QString entryOf(QStringView code, QStringView name);
 
 /// Equal without regard to ASCII case, as the ledger compares its texts.
 bool sameText(QStringView a, QStringView b);
+
+/// The form in which texts are looked for: small letters, the full-width forms of ASCII and the full-width blank as
+/// their plain ones. As long as the text itself.
+QString foldedText(QString text);

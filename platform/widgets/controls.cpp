@@ -150,14 +150,16 @@ void prepareCalendar(QCalendarWidget* calendar)
     calendar->setLocale(QLocale(QLocale::Chinese, QLocale::China));
     calendar->setFirstDayOfWeek(Qt::Monday);
     calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    QTextCharFormat header;
-    header.setBackground(style::color(style::Role::Panel));
-    header.setForeground(style::color(style::Role::MutedText));
-    calendar->setHeaderTextFormat(header);
-    QTextCharFormat weekend;
-    weekend.setForeground(style::color(style::Role::Accent));
-    calendar->setWeekdayTextFormat(Qt::Saturday, weekend);
-    calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
+    style::follow(calendar, [calendar] {
+        QTextCharFormat header;
+        header.setBackground(style::color(style::Role::Panel));
+        header.setForeground(style::color(style::Role::MutedText));
+        calendar->setHeaderTextFormat(header);
+        QTextCharFormat weekend;
+        weekend.setForeground(style::color(style::Role::Accent));
+        calendar->setWeekdayTextFormat(Qt::Saturday, weekend);
+        calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
+    });
 }
 
 } // namespace
@@ -391,7 +393,7 @@ void DatePicker::showAsButton()
     constexpr int buttonWidth = 24;
     setLookProperty(this, u"button"_s);
     lineEdit()->hide();
-    setFixedWidth(buttonWidth);
+    style::fixWidth(this, buttonWidth);
     setFocusPolicy(Qt::ClickFocus); // Tab goes from the field beside it to the next one
 }
 

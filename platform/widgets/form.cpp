@@ -10,9 +10,13 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTabBar>
 
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -67,6 +71,56 @@ void activateAgain(QWidget* owner)
         owner->activateWindow();
 }
 
+/// The content of a form. Where it needs more than there is, as with a large font on a small screen, it scrolls. It
+/// asks for as much as the content, but a child window for little: the main window must fit the screen.
+class Room : public QScrollArea
+{
+public:
+    explicit Room(QWidget* inside)
+    {
+        setWidget(inside);
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus); // else Tab would stop here
+        QSizePolicy policy = sizePolicy();
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
+        connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+            if (now && widget() && widget()->isAncestorOf(now) && now->height() < viewport()->height())
+                ensureWidgetVisible(now, style::spacing, style::spacing);
+        });
+    }
+
+    QSize sizeHint() const override { return fitting(widget()->sizeHint().expandedTo(widget()->minimumSize())); }
+    QSize minimumSizeHint() const override
+    {
+        constexpr QSize least(240, 120);
+        const bool child = !parentWidget() || !parentWidget()->isWindow();
+        return child ? least : fitting(widget()->minimumSizeHint().expandedTo(widget()->minimumSize()));
+    }
+    bool hasHeightForWidth() const override { return widget()->layout()->hasHeightForWidth(); }
+    int heightForWidth(int width) const override { return widget()->heightForWidth(width); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
+    }
+
+private:
+    /// No more than a window may take of the screen.
+    QSize fitting(QSize wanted) const
+    {
+        constexpr QSize around(60, 120); // frame, title and command bar
+        const QSize all = screen()->availableGeometry().size();
+        const QWidget* main = formArea() ? formArea()->window() : nullptr;
+        const QSize most = (main ? all.expandedTo(main->size()) : all) - around;
+        const QSize bars(wanted.height() > most.height() ? verticalScrollBar()->sizeHint().width() : 0, 0);
+        return (wanted + bars).boundedTo(most);
+    }
+};
+
 QWidget* windowInFront()
 {
     // A window that was just closed may still count as active; a form that stood before it would die with it.
@@ -119,10 +173,11 @@ Form::Form(const QString& name, const QString& caption)
     notice_->setMargin(style::spacing);
     notice_->hide();
     outer->addWidget(notice_);
-    content_ = new QVBoxLayout;
+    auto* inside = new QWidget;
+    content_ = new QVBoxLayout(inside);
     content_->setContentsMargins(style::spacing + 2, style::spacing, style::spacing + 2, style::spacing);
     content_->setSpacing(style::spacing);
-    outer->addLayout(content_, 1);
+    outer->addWidget(new Room(inside), 1);
     loadedForms().append(this);
 }
 
@@ -250,7 +305,8 @@ void Form::hideEvent(QHideEvent* event)
 
 void Form::focusInside()
 {
-    QWidget* current = focusWidget();
+    // The area has put the focus somewhere before the form is asked.
+    QWidget* current = std::exchange(entered_, true) ? focusWidget() : nullptr;
     if (current && current != this && isAncestorOf(current) && current->isEnabled() && !bar_->isAncestorOf(current)) {
         current->setFocus();
         return;

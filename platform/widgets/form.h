@@ -93,7 +93,7 @@ protected:
     virtual void unloaded() {}
     /// A warning that stands in plain sight above the content, asked for each time the form is shown; "" for none.
     virtual QString notice() const { return {}; }
-    /// Which widget takes the focus when the form is shown; null for the first in the tab order.
+    /// Which widget takes the focus when the form is first shown; null for the first in the tab order.
     virtual QWidget* firstFocus() { return nullptr; }
     void closeEvent(QCloseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -111,6 +111,7 @@ private:
     QPointer<QMdiSubWindow> child_;
     QEventLoop* modal_ = nullptr;
     bool unloading_ = false; ///< the question is being asked
+    bool entered_ = false;   ///< has had the focus where `firstFocus` wants it
     bool released_ = false;  ///< no longer loaded, the object waits for its end
 };
 

@@ -7,12 +7,14 @@
 #include "platform/base/number.h"
 #include "platform/base/status.h"
 #include "platform/widgets/form.h"
+#include "platform/widgets/grid_settings.h"
 #include "platform/widgets/style.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QItemSelection>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRegularExpression>
@@ -197,6 +199,17 @@ public:
         painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
         painter->restore();
     }
+
+protected:
+    /// A number and the text in the next column need more air between them than the toolkit leaves.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (option->displayAlignment & Qt::AlignRight)
+            option->text += u' ';
+        else if (option->displayAlignment & Qt::AlignLeft)
+            option->text.prepend(u' ');
+    }
 };
 
 /// The toolkit measures all captions and up to 200 row numbers anew after each change. The captions' height is given,
@@ -216,7 +229,7 @@ public:
 protected:
     void paintSection(QPainter* painter, const QRect& rect, int section) const override
     {
-        const int above = groupOf(section).isEmpty() ? 0 : style::headerHeight;
+        const int above = groupOf(section).isEmpty() ? 0 : style::headerHeight();
         QHeaderView::paintSection(painter, rect.adjusted(0, above, 0, 0), section);
     }
 
@@ -233,7 +246,7 @@ protected:
                 continue;
             QStyleOptionHeader option;
             initStyleOption(&option);
-            option.rect = QRect(sectionViewportPosition(first), 0, width, style::headerHeight);
+            option.rect = QRect(sectionViewportPosition(first), 0, width, style::headerHeight());
             option.section = first;
             option.text = group;
             option.textAlignment = Qt::AlignCenter;
@@ -264,8 +277,6 @@ public:
     bool number = false;
 };
 
-const QString gridSettings = u"Vemaroware"_s;
-const QString gridSection = u"Grid"_s;
 /// A tab or a line break inside a cell would look like the next cell or row.
 QString tabbedLine(QStringList cells)
 {
@@ -276,7 +287,6 @@ QString tabbedLine(QStringList cells)
     return cells.join(u'\t') + u'\n';
 }
 
-constexpr int smallestColumn = 24;
 constexpr int numbersWidth = 38; ///< of the row numbers, up to 9999; more digits widen it
 
 } // namespace
@@ -315,6 +325,7 @@ protected:
         painter.drawLine(left - 1, 0, left - 1, height());
         painter.setClipRect(left, 0, width() - left, height());
         painter.setFont(bold());
+        bool marked = !grid_.narrowed(); // else its first words must tell that it isn't the sum of the rows above it
         for (int column = 0; column < grid_.Cols(); ++column) {
             const QRect cell(left + grid_.columnViewportPosition(column), 1, grid_.columnWidth(column), height() - 2);
             if (cell.width() == 0)
@@ -325,14 +336,16 @@ protected:
             painter.drawLine(cell.topRight(), cell.bottomRight());
             painter.setPen(ink.isValid() ? ink : style::color(style::Role::Text));
             const QRect inside = cell.adjusted(textMargin, 0, -textMargin - 1, 0);
-            const QString text =
-                painter.fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, inside.width());
+            QString text = index.data().toString();
+            if (!text.isEmpty() && !std::exchange(marked, true))
+                text.prepend(u"全部"_s);
+            text = painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width());
             painter.drawText(inside, grid_.model_->data(index, Qt::TextAlignmentRole).toInt(), text);
         }
     }
 
 private:
-    static constexpr int textMargin = 3;
+    static constexpr int textMargin = 6;
 
     QFont bold() const
     {
@@ -370,11 +383,7 @@ Grid::Grid(const QString& name, QWidget* parent)
     setVerticalScrollMode(ScrollPerItem);
     setCornerButtonEnabled(false);
 
-    verticalHeader()->setMinimumSectionSize(style::rowHeight);
-    verticalHeader()->setDefaultSectionSize(style::rowHeight);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setMinimumWidth(numbersWidth);
-    horizontalHeader()->setFixedHeight(style::headerHeight);
     horizontalHeader()->setMinimumSectionSize(smallestColumn);
     for (QHeaderView* header : {verticalHeader(), horizontalHeader()}) {
         header->setHighlightSections(false);
@@ -382,11 +391,18 @@ Grid::Grid(const QString& name, QWidget* parent)
     }
     horizontalHeader()->viewport()->installEventFilter(this);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
-        if (dragging_ && !fitting_ && column < columns_.size()) {
-            columns_[column].width = width;
+        if (dragging_ && !fitting_ && column < columns_.size() && width > 0) {
+            columns_[column].width = style::unscaled(width);
             widthsChanged_ = true;
         }
         fitStretch();
+        placeEditor();
+        totals_->update();
+    });
+    connect(horizontalHeader(), &QHeaderView::sectionMoved, this, [this] {
+        if (arranging_)
+            return;
+        saveWidths();
         placeEditor();
         totals_->update();
     });
@@ -400,20 +416,41 @@ Grid::Grid(const QString& name, QWidget* parent)
     addAction(u"GridCopyAll"_s, u"全部复制(&A)"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C, &Grid::copyAll);
     addAction(u"GridSave"_s, u"保存为文件(&S)..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S, &Grid::saveAs);
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    style::follow(this, [this] { dress(); });
+}
+
+/// Measures that follow the font.
+void Grid::dress()
+{
+    const bool pinned = totals_->pinned;
+    showAllRows(); // a row out of sight would come back in its old height
+    unpinTotals();
+    verticalHeader()->setMinimumSectionSize(style::rowHeight());
+    verticalHeader()->setDefaultSectionSize(style::rowHeight());
+    verticalHeader()->setMinimumWidth(style::scaled(numbersWidth));
+    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
+    for (int column = 0; column < columns_.size(); ++column)
+        setColumnWidth(column, style::scaled(columns_[column].width));
+    fitStretch();
+    if (pinned)
+        pinTotals();
+    else
+        applyNarrowing();
+    placeEditor();
 }
 
 void Grid::setColumns(const QList<GridColumn>& columns)
 {
     dropEdit();
+    showAllRows();
     columns_ = columns;
+    defaultWidths_.clear();
+    for (const GridColumn& column : columns)
+        defaultWidths_ += column.width;
     model_->setColumns(columns);
     fixedRows_ = model_->grouped() ? 2 : 1;
-    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight);
-    for (int column = 0; column < columns.size(); ++column) {
-        setColumnWidth(column, columns[column].width);
-        setColumnHidden(column, columns[column].hidden);
-    }
-    fitStretch();
+    horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
+    arrange();
 }
 
 void Grid::clearRows()
@@ -424,7 +461,9 @@ void Grid::clearRows()
 void Grid::setRows(QList<QStringList> rows)
 {
     dropEdit();
+    showAllRows();
     model_->setRows(std::move(rows));
+    applyNarrowing();
 }
 
 int Grid::Rows() const
@@ -490,6 +529,10 @@ void Grid::RemoveItem(int row)
             cell_.ry() -= 1;
     }
     model_->remove(row - fixedRows_, 1);
+    if (!words_.isEmpty()) { // it may have been the last one that showed
+        showAllRows();
+        applyNarrowing();
+    }
     placeEditor();
 }
 
@@ -507,14 +550,14 @@ void Grid::select(int row, int column)
 {
     if (!isDataRow(row) || (state_ == EditState::Open && !endEdit()))
         return;
-    const QModelIndex index = indexOf(row, std::clamp(column, 0, std::max(Cols() - 1, 0)));
+    const QModelIndex index = indexOf(shownRowAt(row), std::clamp(column, 0, std::max(Cols() - 1, 0)));
     setCurrentIndex(index);
     scrollTo(index);
 }
 
 bool Grid::columnVisible(int column) const
 {
-    return column >= 0 && column < Cols() && !isColumnHidden(column);
+    return column >= 0 && column < Cols() && !columns_[column].hidden;
 }
 
 void Grid::setColumnVisible(int column, bool visible)
@@ -522,7 +565,7 @@ void Grid::setColumnVisible(int column, bool visible)
     if (column < 0 || column >= Cols())
         return;
     columns_[column].hidden = !visible;
-    setColumnHidden(column, !visible);
+    showColumn(column);
     fitStretch();
 }
 
@@ -543,10 +586,23 @@ void Grid::pinTotals()
     setRowHidden(last, true);
     totals_->pinned = true;
     totals_->row = model_->index(last, 0);
-    for (int column = 0; column < Cols(); ++column) // a sum that is cut off reads as another one
+    widenForTotals();
+    if (!words_.isEmpty())
+        applyNarrowing(); // which took them for a row
+    updateGeometries();
+}
+
+/// A sum that is cut off reads as another one.
+void Grid::widenForTotals()
+{
+    for (int column = 0; column < Cols() && totals_->pinned; ++column)
         if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
             setColumnWidth(column, std::max(columnWidth(column), totals_->widthOf(column)));
-    updateGeometries();
+}
+
+bool Grid::totalsPinned() const
+{
+    return totals_->pinned;
 }
 
 void Grid::unpinTotals()
@@ -570,17 +626,24 @@ void Grid::placeTotals()
 {
     const bool pinned = totals_->pinned && totals_->row.isValid();
     const QMargins margins = viewportMargins();
-    const int room = viewport()->height() + margins.bottom();
+    const int line = narrowing_ && !narrowing_->isHidden() ? narrowing_->sizeHint().height() : 0;
+    const int room = viewport()->height() + margins.bottom() - line;
     const int rows = verticalHeader()->length();
-    const int reserved = pinned && rows + style::rowHeight > room ? style::rowHeight : 0;
-    if (margins.bottom() != reserved)
-        setViewportMargins(margins.left(), margins.top(), margins.right(), reserved);
+    const int reserved = pinned && rows + style::rowHeight() > room ? style::rowHeight() : 0;
+    if (margins.bottom() != reserved + line)
+        setViewportMargins(margins.left(), margins.top(), margins.right(), reserved + line);
+    if (line > 0) {
+        const int left = verticalHeader()->x();
+        narrowing_->setGeometry(left, viewport()->geometry().bottom() + 1 + reserved,
+                                viewport()->geometry().right() + 1 - left, line);
+        narrowing_->raise();
+    }
     totals_->setVisible(pinned);
     if (!pinned)
         return;
     const QRect view = viewport()->geometry();
     const int left = verticalHeader()->x();
-    totals_->setGeometry(left, view.top() + std::min(rows, view.height()), view.right() + 1 - left, style::rowHeight);
+    totals_->setGeometry(left, view.top() + std::min(rows, view.height()), view.right() + 1 - left, style::rowHeight());
     totals_->raise();
     totals_->update();
 }
@@ -799,12 +862,16 @@ bool Grid::eventFilter(QObject* watched, QEvent* event)
     } else if (watched == horizontalHeader()->viewport()) {
         if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
             dragging_ = true;
+            // Groups stand over the columns as they were made.
+            horizontalHeader()->setSectionsMovable(list_ && !model_->grouped());
         } else if (event->type() == QEvent::MouseButtonRelease) {
             dragging_ = false;
             if (std::exchange(widthsChanged_, false))
                 saveWidths();
         }
     }
+    if (TxtNarrow && watched == TxtNarrow && narrowingKey(event))
+        return true;
     return QTableView::eventFilter(watched, event);
 }
 
@@ -825,6 +892,17 @@ void Grid::keyPressEvent(QKeyEvent* event)
         runCommand([&] { emit activatedRow(row); });
         return;
     }
+    if (list_ && plain && event->key() == Qt::Key_Escape && !narrowing_->isHidden()) {
+        endNarrowing();
+        return;
+    }
+    if (list_ && printable && !event->text().trimmed().isEmpty()) {
+        openNarrowing();
+        TxtNarrow->deselect(); // what is typed goes on what stands there
+        TxtNarrow->end(false);
+        QCoreApplication::sendEvent(TxtNarrow, event);
+        return;
+    }
     QTableView::keyPressEvent(event);
     const bool extends = event->modifiers() & Qt::ShiftModifier;
     if (state_ == EditState::Idle && plain && !extends && Row() > 0 && (Row() != row || Col() != column))
@@ -833,6 +911,11 @@ void Grid::keyPressEvent(QKeyEvent* event)
 
 void Grid::inputMethodEvent(QInputMethodEvent* event)
 {
+    if (list_) {
+        openNarrowing();
+        QCoreApplication::sendEvent(TxtNarrow, event);
+        return;
+    }
     if (state_ != EditState::Idle || !opens(Row(), Col())) {
         QTableView::inputMethodEvent(event);
         return;
@@ -844,9 +927,11 @@ void Grid::inputMethodEvent(QInputMethodEvent* event)
 void Grid::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
     QTableView::currentChanged(current, previous);
-    setAttribute(Qt::WA_InputMethodEnabled, current.isValid() &&
-                                                columns_[current.column()].kind != ColumnKind::Number &&
-                                                opens(rowOf(current), current.column()));
+    setAttribute(Qt::WA_InputMethodEnabled,
+                 list_ || (current.isValid() && columns_[current.column()].kind != ColumnKind::Number &&
+                           opens(rowOf(current), current.column())));
+    if (current.column() != previous.column())
+        showSelection();
     if (current.isValid() && current.row() != previous.row())
         runCommand([&] { emit currentRowChanged(rowOf(current)); });
 }
@@ -897,7 +982,7 @@ void Grid::scrollContentsBy(int dx, int dy)
         totals_->update();
 }
 
-// ---- copying, saving and widths
+// ---- copying and saving
 
 QString Grid::selectionAsText() const
 {
@@ -907,10 +992,11 @@ QString Grid::selectionAsText() const
             rows.insert(row);
     QString result;
     for (const int row : rows) {
+        if (isRowHidden(row))
+            continue; // selected over, but out of sight
         QStringList cells;
-        for (int column = 0; column < Cols(); ++column)
-            if (!isColumnHidden(column))
-                cells += model_->text(row, column);
+        for (const int column : seenColumns())
+            cells += model_->text(row, column);
         result += tabbedLine(cells);
     }
     return result;
@@ -926,16 +1012,18 @@ void Grid::copySelection()
 TableContent Grid::content() const
 {
     TableContent table;
-    for (int column = 0; column < Cols(); ++column)
-        if (!isColumnHidden(column)) {
-            table.captions += model_->captionAlone(column);
-            table.numeric += columns_[column].kind == ColumnKind::Number;
-        }
+    const QList<int> columns = seenColumns();
+    for (const int column : columns) {
+        table.captions += model_->captionAlone(column);
+        table.numeric += columns_[column].kind == ColumnKind::Number;
+    }
+    const bool some = narrowed();
     for (int row = 0; row < model_->rowCount(); ++row) {
+        if (some && isRowHidden(row)) // the totals too, which are hidden where they are pinned
+            continue;
         QStringList cells;
-        for (int column = 0; column < Cols(); ++column)
-            if (!isColumnHidden(column))
-                cells += model_->text(row, column);
+        for (const int column : columns)
+            cells += model_->text(row, column);
         table.rows += cells;
     }
     const bool placeHolder = table.rows.size() == 1 && table.rows[0].join(QString()).isEmpty();
@@ -988,7 +1076,7 @@ void Grid::saveAs()
     setStatusPanel(panel, u"表格已保存到："_s + *path);
 }
 
-void Grid::addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)())
+QAction* Grid::addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)())
 {
     auto* action = new QAction(caption, this);
     action->setObjectName(name);
@@ -996,53 +1084,5 @@ void Grid::addAction(const QString& name, const QString& caption, const QKeySequ
     action->setShortcutContext(Qt::WidgetShortcut);
     connect(action, &QAction::triggered, this, [this, run] { runCommand([this, run] { (this->*run)(); }); });
     QTableView::addAction(action);
-}
-
-void Grid::rememberWidths(const QString& key)
-{
-    widthsKey_ = key;
-    if (key.isEmpty())
-        return;
-    const QStringList widths = GetSetting(gridSettings, gridSection, key).split(u',', Qt::SkipEmptyParts);
-    if (widths.size() != columns_.size())
-        return; // none yet, or those of another set of columns
-    for (int column = 0; column < columns_.size(); ++column) {
-        const int width = int(Val(widths[column]));
-        if (width >= smallestColumn) {
-            columns_[column].width = width;
-            setColumnWidth(column, width);
-        }
-    }
-    fitStretch();
-}
-
-void Grid::saveWidths() const
-{
-    if (widthsKey_.isEmpty())
-        return;
-    QStringList widths;
-    for (const GridColumn& column : columns_)
-        widths += plainText(column.width);
-    SaveSetting(gridSettings, gridSection, widthsKey_, widths.join(u','));
-}
-
-void Grid::fitStretch()
-{
-    if (fitting_)
-        return;
-    int stretching = -1;
-    int others = 0;
-    for (int column = 0; column < columns_.size(); ++column) {
-        if (isColumnHidden(column))
-            continue;
-        if (columns_[column].stretch)
-            stretching = column;
-        else
-            others += columnWidth(column);
-    }
-    if (stretching < 0)
-        return;
-    fitting_ = true;
-    setColumnWidth(stretching, std::max(columns_[stretching].width, viewport()->width() - others));
-    fitting_ = false;
+    return action;
 }

@@ -8,8 +8,11 @@
 #include <QTableView>
 
 #include <functional>
+#include <vector>
 
 class GridModel;
+class QLabel;
+class QMenu;
 
 /// What a grid shows in a column; the cells are texts in any case, and a cell's text is data.
 enum class ColumnKind { Text, Number, Centred };
@@ -17,7 +20,7 @@ enum class ColumnKind { Text, Number, Centred };
 struct GridColumn
 {
     QString caption;
-    int width = 100; ///< pixels; the operator's own width is remembered over it
+    int width = 100; ///< pixels with the standard font; the operator's own width is remembered over it
     ColumnKind kind = ColumnKind::Text;
     bool hidden = false;
     bool stretch = false; ///< takes what width the others leave, but no less than its own; one column at most
@@ -58,6 +61,8 @@ public:
     /// Makes a cell current and scrolls to it. No editor opens by it.
     void select(int row, int column = 0);
 
+    /// Whether the program shows the column, which a right or a setting may forbid. An operator who has hidden it has
+    /// only put it aside: prints still have it.
     bool columnVisible(int column) const;
     void setColumnVisible(int column, bool visible);
     /// Sets the last row off and keeps it in view below the others, until rows come or go.
@@ -96,8 +101,29 @@ public:
     /// `content` as a workbook or as text, in a file that the operator names. The name offered is the form's caption
     /// and the day.
     void saveAs();
-    /// Under this name the column widths are remembered per user ("B1/GD"); empty: not at all. After `setColumns`.
+    /// Under this name the column widths are remembered per user and operator ("B1/GD"); empty: not at all. After
+    /// `setColumns`. With the columns of a list, their order and which of them the operator has hidden.
     void rememberWidths(const QString& key);
+    /// Whose arrangement counts from here on; all grids take it over. "" for nobody in particular.
+    static void setOperator(const QString& account);
+    /// The columns as the form made them; what was remembered is forgotten.
+    void resetColumns();
+
+    /// Makes the grid a list of the operator's own: its columns can be hidden and moved (but for the first, by which
+    /// records are known, which stays in sight), and its rows narrowed. Not for grids in which something is entered.
+    void actAsList();
+    /// Shows only the rows that have all words of the text in one of their visible columns, whatever case or width of
+    /// letters. A text that no row has changes nothing but says so: the current row is always one that shows, so that
+    /// no command meets a row out of sight. All else goes on over all rows: `Rows`, `TextMatrix`, the pinned totals,
+    /// prints. Only `content` and copying take what is seen, and leave the totals out, which are those of all rows.
+    void narrow(const QString& text);
+    /// Opens the line below the rows where that text is typed.
+    void openNarrowing();
+    /// Shows all rows again and closes it.
+    void endNarrowing();
+    bool narrowed() const; ///< some rows are out of sight
+    int shownRows() const; ///< of the data rows without pinned totals
+    QLineEdit* TxtNarrow = nullptr;
 
 signals:
     void currentRowChanged(int row);       ///< by the operator or by `select`
@@ -111,6 +137,10 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -129,19 +159,36 @@ private:
     void refuse();
     void placeEditor();
     bool editorKey(QKeyEvent* event);
+    bool narrowingKey(QEvent* event);
     void goOn();
     void goBack();
     void goVertically(int step);
     QPoint following(int row, int column) const;
+    void dress();
     void fitStretch();
+    void arrange();
     void saveWidths() const;
+    QString ownKey() const;
+    void hideColumn(int column, bool hidden);
+    void showColumn(int column);
+    void widenForTotals();
+    void openColumnMenu();
+    void popUpColumnMenu(const QPoint& at);
+    void applyNarrowing();
+    void showAllRows();
+    void tellNarrowing();
+    int shownRowAt(int row) const;
+    int listedRows() const;
+    bool totalsPinned() const;
+    void showSelection() const;
     int rowOf(const QModelIndex& index) const { return index.isValid() ? index.row() + fixedRows_ : 0; }
     bool isDataRow(int row) const { return row >= fixedRows_ && row < Rows(); }
     QModelIndex indexOf(int row, int column) const;
     void unpinTotals();
     void placeTotals();
-    void addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)());
+    QAction* addAction(const QString& name, const QString& caption, const QKeySequence& key, void (Grid::*run)());
     QString captionOfForm() const;
+    QList<int> seenColumns() const; ///< in the order in which they are seen
 
     class Totals;
 
@@ -153,6 +200,14 @@ private:
     QPoint cell_;    ///< of the open edit: x column, y row
     QString before_; ///< the text that the edit began with
     QString widthsKey_;
+    QList<int> defaultWidths_;
+    std::vector<bool> putAside_; ///< columns that the operator has hidden
+    bool list_ = false;
+    bool arranging_ = false;
+    QWidget* narrowing_ = nullptr; ///< the line with `TxtNarrow`
+    QLabel* narrowed_ = nullptr;
+    QStringList words_; ///< that a row must have to show
+    bool nothingFound_ = false;
     bool fitting_ = false;
     bool dragging_ = false; ///< the operator holds a column's edge
     bool widthsChanged_ = false;

@@ -27,6 +27,7 @@ ListDetailForm::ListDetailForm(const QString& name, const QString& caption, cons
         stack_->addWidget(page);
     }
     GD = new Grid(u"GD"_s);
+    GD->actAsList();
     pages_[ListTab]->addWidget(GD);
 
     body_ = new QWidget;
@@ -88,8 +89,10 @@ void ListDetailForm::showMode()
     for (const auto& [action, shown] : modeCommands_)
         setCommandVisible(action, shown == Shown::Always || shown == (entering ? Shown::Entering : Shown::Viewing));
     TabS->setEnabled(!entering);
-    if (entering)
+    if (entering) {
+        GD->endNarrowing(); // what is being entered need not have those words
         showTab(DetailTab);
+    }
 }
 
 bool ListDetailForm::onDetail() const
@@ -135,8 +138,8 @@ void ListDetailForm::fillList(QList<QStringList> rows)
 
 void ListDetailForm::selectListRow(int row)
 {
-    listRow_ = qBound(1, row, qMax(GD->Rows() - 1, 1));
-    GD->select(listRow_);
+    GD->select(qBound(1, row, qMax(GD->Rows() - 1, 1)));
+    listRow_ = qMax(GD->Row(), 1); // another one where the list is narrowed
     rowChanged();
 }
 

@@ -78,7 +78,8 @@ void styleManual(QTextDocument& document)
         cursor.setBlockFormat(format);
         if (level > 0) {
             QTextCharFormat heading;
-            heading.setFontPointSize(level == 1 ? 17 : level == 2 ? 13 : 11);
+            const double larger = style::look().points / style::standardPoints;
+            heading.setFontPointSize((level == 1 ? 17 : level == 2 ? 13 : 11) * larger);
             heading.setFontWeight(QFont::Bold);
             heading.setForeground(style::color(level == 1 ? style::Role::Text : style::Role::Accent));
             cursor.select(QTextCursor::BlockUnderCursor);
@@ -194,6 +195,10 @@ ManualWindow::ManualWindow()
     connect(page_, &QTextBrowser::sourceChanged, this, &ManualWindow::pageShown);
     connect(page_, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
     connect(page_, &QTextBrowser::forwardAvailable, forward, &QPushButton::setEnabled);
+    style::follow(this, [this] {
+        if (!shown_.isEmpty())
+            page_->reload(); // which shows it with the colours and headings of the look
+    });
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, search_, [this] {
         search_->setFocus();
         search_->selectAll();

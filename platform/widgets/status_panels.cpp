@@ -24,6 +24,10 @@ StatusPanels::StatusPanels(int count, QWidget* parent)
             layout->addWidget(line);
         }
     }
+    selection_ = makeLabel(u"LabSelection"_s, {});
+    selection_->setAccessibleName(u"所选各行的合计"_s);
+    selection_->hide();
+    layout->addWidget(selection_);
     bar_ = new QProgressBar(this);
     bar_->setObjectName(u"Progress"_s);
     bar_->setRange(0, 100);
@@ -88,5 +92,11 @@ StatusHost StatusPanels::host()
             [self](qint64 done, qint64 total) {
                 if (self)
                     self->showProgress(done, total);
+            },
+            [self](const QString& text) {
+                if (!self)
+                    return;
+                self->selection_->setText(text);
+                self->selection_->setVisible(!text.isEmpty());
             }};
 }

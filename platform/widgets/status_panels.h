@@ -9,7 +9,8 @@ class QLabel;
 class QProgressBar;
 
 /// The panels of the main window's status bar: labels named "StB(1)" to "StB(4)", the last one taking the width that is
-/// left. Stands in a QStatusBar by `addWidget(panels, 1)`.
+/// left, and at the right end "LabSelection" for the rows that are selected in a list. Stands in a QStatusBar by
+/// `addWidget(panels, 1)`.
 class StatusPanels : public QWidget
 {
     Q_OBJECT
@@ -35,5 +36,6 @@ private:
     void showProgress(qint64 done, qint64 total);
 
     QList<QLabel*> labels_;
+    QLabel* selection_ = nullptr;
     QProgressBar* bar_ = nullptr; ///< over the end of the last panel while long work goes on
 };

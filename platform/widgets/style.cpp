@@ -8,14 +8,18 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
+#include <QRegularExpression>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTranslator>
+#include <QWidget>
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace style {
 
@@ -69,68 +73,70 @@ static_assert(
     }(),
     "row order must follow Role");
 
+/// Behind "@" stands a colour or a picture, behind "~" a measure that follows the font.
 constexpr QStringView sheet = uR"(
-QToolTip { color: @text; background: @panel; border: 1px solid @lines; padding: 3px 6px; }
+QToolTip { color: @text; background: @panel; border: 1px solid @lines; padding: ~3px ~6px; }
 
 QMenuBar { background: @menuGround; color: @menuText; padding: 0; }
-QMenuBar::item { background: transparent; padding: 6px 11px; }
+QMenuBar::item { background: transparent; padding: ~6px ~11px; }
 QMenuBar::item:selected, QMenuBar::item:pressed { background: @menuHot; color: @menuText; }
 QMenuBar::item:disabled { color: @mutedText; }
-Form > QMenuBar { background: @panel; color: @text; border-bottom: 1px solid @lines; padding: 2px 1px; }
-Form > QMenuBar::item { padding: 5px 12px; margin: 1px; border-radius: 3px; }
+Form > QMenuBar { background: @panel; color: @text; border-bottom: 1px solid @lines; padding: ~2px 1px; }
+Form > QMenuBar::item { padding: ~5px ~12px; margin: 1px; border-radius: 3px; }
 Form > QMenuBar::item:selected, Form > QMenuBar::item:pressed { background: @selectedRow; color: @selectedText; }
 Form > QMenuBar::item:disabled { color: @lines; }
-QMenu { background: @panel; color: @text; border: 1px solid @lines; padding: 4px 0; }
-QMenu::item { padding: 5px 28px 5px 22px; }
+QMenu { background: @panel; color: @text; border: 1px solid @lines; padding: ~4px 0; }
+QMenu::item { padding: ~5px ~28px ~5px ~22px; }
 QMenu::item:selected { background: @selectedRow; color: @selectedText; }
 QMenu::item:disabled { color: @mutedText; }
 QMenu::separator { height: 1px; background: @lines; margin: 4px 8px; }
 
 QStatusBar { background: @window; border-top: 1px solid @lines; }
 QStatusBar::item { border: none; }
-StatusPanels QLabel { padding: 2px 14px; }
+StatusPanels QLabel { padding: ~2px ~14px; }
 StatusPanels QLabel:hover { background: @selectedRow; color: @selectedText; }
 StatusPanels QFrame[look="line"] { background: @lines; min-width: 1px; max-width: 1px; }
 
 QTabWidget::pane { background: @panel; border: 1px solid @lines; border-radius: 3px; top: -1px; }
 QTabBar { background: transparent; }
 QTabBar::tab { background: @window; color: @mutedText; border: 1px solid @lines; border-bottom: none;
-    border-top-left-radius: 3px; border-top-right-radius: 3px; padding: 5px 14px; margin: 2px 2px 0 0; }
+    border-top-left-radius: 3px; border-top-right-radius: 3px; padding: ~5px ~14px; margin: 2px 2px 0 0; }
 QTabBar::tab:hover { color: @text; }
-QTabBar::tab:selected { background: @panel; color: @text; border-top: 2px solid @accent; padding: 5px 14px 6px 14px;
+QTabBar::tab:selected { background: @panel; color: @text; border-top: 2px solid @accent; padding: ~5px ~14px ~6px ~14px;
     margin-top: 0; }
 QTabBar::close-button { image: url(@closePicture); subcontrol-position: right; margin-right: 2px; }
 QTabBar::close-button:hover { image: url(@closeHotPicture); }
 QMdiArea > QTabBar { background: @window; border-bottom: 1px solid @lines; }
-QMdiArea > QTabBar::tab { padding: 4px 10px; margin-bottom: 0; }
-QMdiArea > QTabBar::tab:selected { padding: 4px 10px 5px 10px; }
+QMdiArea > QTabBar::tab { padding: ~4px ~10px; margin-bottom: 0; }
+QMdiArea > QTabBar::tab:selected { padding: ~4px ~10px ~5px ~10px; }
 
 QLabel[look="field"] { color: @mutedText; }
-QLabel[look="total"] { font-size: 15px; font-weight: bold; }
-QLabel[look="heading"] { font-size: 17px; font-weight: bold; }
+QLabel[look="total"] { font-size: ~15px; font-weight: bold; }
+QLabel[look="heading"] { font-size: ~17px; font-weight: bold; }
 QLabel[look="good"], QLabel[look="warning"] { border-radius: 3px; }
 QLabel[look="good"] { color: @good; background: @goodGround; border: 1px solid @good; }
 QLabel[look="warning"] { color: @warning; background: @warningGround; border: 1px solid @warning; }
-QLineEdit[look="total"] { font-size: 15px; font-weight: bold; border: none; background: transparent; padding: 0; }
+QLineEdit[look="total"] { font-size: ~15px; font-weight: bold; border: none; background: transparent; padding: 0; }
 QDateEdit[look="button"] { padding: 0; min-width: 0; }
 QFrame[look="panel"] { background: @panel; border: 1px solid @lines; border-radius: 3px; }
-QGroupBox { border: 1px solid @lines; border-radius: 3px; margin-top: 9px; padding-top: 8px; }
-QGroupBox::title { subcontrol-origin: margin; left: 9px; padding: 0 3px; color: @mutedText; }
+QGroupBox { border: 1px solid @lines; border-radius: 3px; margin-top: ~9px; padding-top: ~8px; }
+QGroupBox::title { subcontrol-origin: margin; left: 9px; padding: 0 ~3px; color: @mutedText; }
 
 QLineEdit, QComboBox, QDateEdit, QSpinBox, QPlainTextEdit, QTextEdit, QTextBrowser, QListView, QTreeView {
     background: @field; color: @text; border: 1px solid @lines; border-radius: 3px;
     selection-background-color: @accent; selection-color: @accentText; }
-QLineEdit, QComboBox, QDateEdit, QSpinBox { padding: 2px 5px; min-height: 21px; }
+QLineEdit, QComboBox, QDateEdit, QSpinBox { padding: ~2px ~5px; min-height: ~21px; }
+QDateEdit { min-width: ~88px; }
 QLineEdit:focus, QComboBox:focus, QDateEdit:focus, QSpinBox:focus, QPlainTextEdit:focus, QTextEdit:focus,
     QListView:focus, QTreeView:focus { border-color: @accent; }
 QLineEdit:read-only, QPlainTextEdit:read-only { background: @readOnly; }
 QLineEdit:disabled, QComboBox:disabled, QDateEdit:disabled, QSpinBox:disabled, QPlainTextEdit:disabled {
     background: @readOnly; color: @mutedText; }
-QComboBox { padding-right: 18px; }
+QComboBox { padding-right: ~18px; }
 QComboBox QLineEdit, QDateEdit QLineEdit, QSpinBox QLineEdit { border: none; padding: 0; min-height: 0;
     background: transparent; }
-QComboBox::drop-down, QDateEdit::drop-down { border: none; width: 18px; subcontrol-origin: border; }
-QComboBox::down-arrow, QDateEdit::down-arrow { image: url(@arrowPicture); width: 9px; height: 6px; }
+QComboBox::drop-down, QDateEdit::drop-down { border: none; width: ~18px; subcontrol-origin: border; }
+QComboBox::down-arrow, QDateEdit::down-arrow { image: url(@arrowPicture); width: ~9px; height: ~6px; }
 QComboBox::down-arrow:disabled, QDateEdit::down-arrow:disabled { image: url(@arrowOffPicture); }
 QComboBox QAbstractItemView { background: @field; border: 1px solid @lines; border-radius: 0; outline: none;
     selection-background-color: @selectedRow; selection-color: @selectedText; }
@@ -139,8 +145,8 @@ QListView, QTreeView { selection-background-color: @selectedRow; selection-color
 QListView[look="conditions"] { background: @selectedRow; color: @selectedText;
     selection-background-color: @accent; selection-color: @accentText; }
 
-QPushButton { background: @field; color: @text; border: 1px solid @lines; border-radius: 3px; padding: 2px 12px;
-    min-height: 21px; }
+QPushButton { background: @field; color: @text; border: 1px solid @lines; border-radius: 3px; padding: ~2px ~12px;
+    min-height: ~21px; }
 QPushButton:hover { background: @selectedRow; color: @selectedText; }
 QPushButton:checked { background: @selectedRow; color: @selectedText; border-color: @accent; }
 QPushButton:pressed { background: @headerGround; }
@@ -151,11 +157,11 @@ QPushButton[look="primary"] { background: @accent; color: @accentText; border-co
 QPushButton[look="primary"]:hover { background: @menuHot; border-color: @menuHot; color: @menuText; }
 QPushButton[look="primary"]:focus { border-color: @text; }
 QPushButton[look="primary"]:disabled { background: @readOnly; color: @mutedText; border-color: @lines; }
-QPushButton[look="compact"] { padding: 2px 6px; min-width: 16px; }
+QPushButton[look="compact"] { padding: ~2px ~6px; min-width: ~16px; }
 
-QCheckBox::indicator, QRadioButton::indicator { width: 13px; height: 13px; background: @field;
+QCheckBox::indicator, QRadioButton::indicator { width: ~13px; height: ~13px; background: @field;
     border: 1px solid @mutedText; border-radius: 3px; }
-QRadioButton::indicator { border-radius: 7px; }
+QRadioButton::indicator { border-radius: ~7px; }
 QCheckBox::indicator:focus, QRadioButton::indicator:focus { border-color: @accent; }
 QCheckBox::indicator:checked, QRadioButton::indicator:checked { background: @accent; border-color: @accent; }
 QCheckBox::indicator:checked { image: url(@tickPicture); }
@@ -165,10 +171,10 @@ QCheckBox::indicator:checked:disabled, QRadioButton::indicator:checked:disabled 
 
 QTableView { background: @gridBase; alternate-background-color: @gridAlternate; gridline-color: @lines;
     border: 1px solid @lines; selection-background-color: @selectedRow; selection-color: @selectedText; }
-QTableView QLineEdit#TxtEnter { background: @field; border: 2px solid @accent; border-radius: 0; padding: 0 1px;
+QTableView QLineEdit#TxtEnter { background: @field; border: 2px solid @accent; border-radius: 0; padding: 0 3px;
     min-height: 0; }
 QHeaderView { background: @window; border: none; }
-QHeaderView::section { background: @headerGround; color: @headerText; border: none; padding: 0 3px;
+QHeaderView::section { background: @headerGround; color: @headerText; border: none; padding: 0 ~5px;
     border-right: 1px solid @lines; border-bottom: 1px solid @lines; }
 QTableCornerButton::section { background: @headerGround; border: none; border-right: 1px solid @lines;
     border-bottom: 1px solid @lines; }
@@ -177,16 +183,17 @@ QScrollBar:vertical { background: @window; width: 12px; margin: 0; }
 QScrollBar:horizontal { background: @window; height: 12px; margin: 0; }
 QScrollBar::handle { background: @lines; border-radius: 4px; margin: 2px; }
 QScrollBar::handle:hover { background: @mutedText; }
-QScrollBar::handle:vertical { min-height: 28px; }
-QScrollBar::handle:horizontal { min-width: 28px; }
+QScrollBar::handle:vertical { min-height: ~28px; }
+QScrollBar::handle:horizontal { min-width: ~28px; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QAbstractScrollArea::corner { background: @window; border: none; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 
 QProgressBar { background: @field; border: 1px solid @lines; border-radius: 3px; text-align: center; }
 QProgressBar::chunk { background: @accent; }
 QSplitter::handle { background: @window; }
 QCalendarWidget QWidget#qt_calendar_navigationbar { background: @headerGround; }
-QCalendarWidget QToolButton { color: @headerText; background: transparent; border: none; padding: 3px 8px; }
+QCalendarWidget QToolButton { color: @headerText; background: transparent; border: none; padding: ~3px ~8px; }
 QCalendarWidget QToolButton:hover { background: @selectedRow; }
 QCalendarWidget QToolButton::menu-indicator { image: none; }
 QCalendarWidget QToolButton#qt_calendar_prevmonth { qproperty-icon: url(@previousPicture); }
@@ -197,10 +204,12 @@ QCalendarWidget QTableView { border: none; border-radius: 0; selection-backgroun
 
 struct State
 {
+    Look look;
     bool dark = false;
     std::optional<QPalette> systemPalette;
     std::unique_ptr<QTemporaryDir> pictures;
     std::unique_ptr<QTranslator> toolkitTexts;
+    std::map<QObject*, std::vector<std::function<void()>>> followers;
 };
 
 State& state()
@@ -209,21 +218,24 @@ State& state()
     return instance;
 }
 
-/// Paints a picture for the stylesheet, once for plain and once for doubled resolution, and gives its path.
+/// Paints a picture for the stylesheet, in the size of the font, for plain and denser screens, and gives its path. A
+/// name of its own for each look: the toolkit keeps what it has read.
 QString picture(const QString& name, QSize size, const std::function<void(QPainter&)>& paint)
 {
     const QDir folder(state().pictures->path());
-    for (const int ratio : {1, 2}) {
-        QPixmap pixmap(size * ratio);
+    const QString base = u"%1-%2%3"_s.arg(name).arg(scaled(100)).arg(state().dark ? u"-dark"_s : QString());
+    const QSize shown(scaled(size.width()), scaled(size.height()));
+    for (const int ratio : {1, 2, 3}) {
+        QPixmap pixmap(shown * ratio);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.scale(ratio, ratio);
+        painter.scale(double(shown.width()) * ratio / size.width(), double(shown.height()) * ratio / size.height());
         paint(painter);
         painter.end();
-        pixmap.save(folder.filePath(name + (ratio == 2 ? u"@2x.png"_s : u".png"_s)));
+        pixmap.save(folder.filePath(base + (ratio == 1 ? u".png"_s : u"@%1x.png"_s.arg(ratio))));
     }
-    return folder.filePath(name + u".png"_s);
+    return folder.filePath(base + u".png"_s);
 }
 
 QString arrowPicture(const QString& name, Role role)
@@ -321,6 +333,11 @@ QString makeSheet()
     // Longest first, so that no name is replaced inside a longer one.
     std::ranges::sort(names, std::ranges::greater(), [](const auto& name) { return name.first.size(); });
     QString result = sheet.toString();
+    // Before a path comes in, which may have such a sign.
+    static const QRegularExpression measure(u"~(\\d+)"_s);
+    for (auto found = measure.match(result); found.hasMatch(); found = measure.match(result, found.capturedStart()))
+        result.replace(found.capturedStart(), found.capturedLength(),
+                       QString::number(scaled(found.captured(1).toInt())));
     for (const auto& [name, value] : names)
         result.replace(u'@' + name, value);
     return result;
@@ -368,13 +385,49 @@ QIcon icon()
     return result;
 }
 
-void apply(QApplication& application, Scheme scheme)
+const Look& look()
+{
+    return state().look;
+}
+
+int scaled(int pixels)
+{
+    return qRound(pixels * state().look.points / standardPoints);
+}
+
+int unscaled(int pixels)
+{
+    return qRound(pixels * standardPoints / state().look.points);
+}
+
+void follow(QObject* owner, std::function<void()> dress)
+{
+    dress();
+    auto& followers = state().followers;
+    if (!followers.contains(owner))
+        QObject::connect(owner, &QObject::destroyed, [owner] { state().followers.erase(owner); });
+    followers[owner].push_back(std::move(dress));
+}
+
+void fixWidth(QWidget* widget, int pixels)
+{
+    follow(widget, [widget, pixels] { widget->setFixedWidth(scaled(pixels)); });
+}
+
+void keepWidth(QWidget* widget, int least)
+{
+    follow(widget, [widget, least] { widget->setMinimumWidth(scaled(least)); });
+}
+
+void apply(QApplication& application, const Look& look)
 {
     State& current = state();
     if (!current.systemPalette)
         current.systemPalette = QApplication::palette();
+    current.look = look;
     constexpr int middle = 128;
-    if (const QString forced = qEnvironmentVariable("HCN_LOOK"); scheme == Scheme::FollowSystem && !forced.isEmpty())
+    Scheme scheme = look.scheme;
+    if (const QString forced = qEnvironmentVariable("HCN_LOOK"); !forced.isEmpty())
         scheme = forced == u"dark" ? Scheme::Dark : Scheme::Light;
     current.dark = scheme == Scheme::Dark || (scheme == Scheme::FollowSystem &&
                                               current.systemPalette->color(QPalette::Window).lightness() < middle);
@@ -385,7 +438,7 @@ void apply(QApplication& application, Scheme scheme)
     font.setFamilies({u"Noto Sans CJK SC"_s, u"Noto Sans SC"_s, u"Microsoft YaHei UI"_s, u"Microsoft YaHei"_s,
                       u"Source Han Sans SC"_s, u"PingFang SC"_s, u"WenQuanYi Micro Hei"_s, u"SimSun"_s});
     font.setStyleHint(QFont::SansSerif);
-    font.setPointSizeF(9.75);
+    font.setPointSizeF(look.points);
     QApplication::setFont(font);
     QApplication::setWindowIcon(icon());
     application.setStyleSheet(makeSheet());
@@ -397,6 +450,11 @@ void apply(QApplication& application, Scheme scheme)
             current.toolkitTexts->load(name, QCoreApplication::applicationDirPath() + u"/translations"_s))
             QCoreApplication::installTranslator(current.toolkitTexts.get());
     }
+    const auto followers = current.followers; // dressing may make widgets that follow, or end some
+    for (const auto& [owner, dresses] : followers)
+        if (current.followers.contains(owner))
+            for (const auto& dress : dresses)
+                dress();
 }
 
 void removeFiles()

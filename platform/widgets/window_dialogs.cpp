@@ -77,8 +77,9 @@ public:
         words->setTextInteractionFlags(Qt::TextSelectableByMouse);
         words->setFocusPolicy(Qt::NoFocus);
         const int natural = words->sizeHint().width();
-        words->setWordWrap(natural > textWidth);
-        words->setMinimumWidth(std::min(std::max(natural, 180), textWidth));
+        const int widest = style::scaled(textWidth);
+        words->setWordWrap(natural > widest);
+        words->setMinimumWidth(std::min(std::max(natural, 180), widest));
         body_->addWidget(words);
         row->addLayout(body_, 1);
         outer->addLayout(row, 1);
@@ -92,7 +93,7 @@ public:
     void addButton(const QString& caption, int result, bool isDefault)
     {
         auto* button = new QPushButton(caption);
-        button->setMinimumWidth(buttonWidth);
+        button->setMinimumWidth(style::scaled(buttonWidth));
         button->setAutoDefault(true);
         connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
         buttons_->addWidget(button);
@@ -129,7 +130,7 @@ public:
     {
         BoxWindow window(request.title, request.prompt, BoxIcon::None);
         auto* edit = new QLineEdit(request.preset);
-        edit->setMinimumWidth(textWidth - 100);
+        edit->setMinimumWidth(style::scaled(textWidth - 100));
         edit->setAccessibleName(request.prompt);
         window.body()->addWidget(edit);
         window.addButton(u"确定"_s, QDialog::Accepted, true);

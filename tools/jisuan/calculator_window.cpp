@@ -3,8 +3,8 @@
 #include "platform/widgets/controls.h"
 #include "platform/widgets/style.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 
 #include <array>
@@ -104,11 +104,13 @@ CalculatorWindow::CalculatorWindow()
     setLook(tape_, LabelLook::Field);
     tape_->setAlignment(Qt::AlignRight);
     display_ = makeLabel(u"LabDisplay"_s, QString());
-    QFont large = font();
-    large.setPointSizeF(large.pointSizeF() * 2);
-    display_->setFont(large);
     display_->setAlignment(Qt::AlignRight);
-    display_->setMinimumWidth(300);
+    style::keepWidth(display_, 300);
+    style::follow(display_, [this] {
+        QFont large = QApplication::font();
+        large.setPointSizeF(large.pointSizeF() * 2);
+        display_->setFont(large);
+    });
     auto* texts = new QVBoxLayout(panel);
     auto* above = makeRow({memory_, tape_});
     above->setStretch(1, 1);

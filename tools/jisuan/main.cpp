@@ -1,4 +1,5 @@
-#include "platform/widgets/style.h"
+#include "platform/widgets/look.h"
+#include "platform/widgets/system_desktop.h"
 #include "tools/jisuan/calculator_window.h"
 
 #include <QApplication>
@@ -7,7 +8,9 @@ int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"jisuan"_s);
-    style::apply(application);
+    setDesktopHost(systemDesktop());
+    style::apply(application, keptLook());
+    listenForFontKeys();
     jisuan::CalculatorWindow window;
     static_cast<QWidget&>(window).show();
     return QApplication::exec();
