@@ -80,7 +80,7 @@ private:
     size_t digest_ = 0;
 };
 
-QList<QStringList> shownRows(const QString& table, const QString& columns, const QString& typed)
+QList<QStringList> suggestedRows(const QString& table, const QString& columns, const QString& typed)
 {
     const ReadRun reads(gDB);
     QList<QStringList> rows;
@@ -112,7 +112,7 @@ Suggestions* suggestGoods(QLineEdit* field, const QString& stockCaption)
                                          {u"规格型号"_s, 150},
                                          {u"单位"_s, 60, ColumnKind::Centred},
                                          {stockCaption, 90, ColumnKind::Number}});
-    suggestions->find = [](const QString& typed) { return shownRows(u"TA4"_s, u"F1,F2,F5,F4,F8"_s, typed); };
+    suggestions->find = [](const QString& typed) { return suggestedRows(u"TA4"_s, u"F1,F2,F5,F4,F8"_s, typed); };
     suggestions->take = [field](const QStringList& row) { field->setText(row[0]); };
     return suggestions;
 }
@@ -121,7 +121,7 @@ Suggestions* suggestPartners(QComboBox* box, const QString& table)
 {
     auto* suggestions = new Suggestions(box->lineEdit(), u"GdPartner"_s,
                                         {{u"编码"_s, 100}, {u"名称"_s, 300, ColumnKind::Text, false, true}});
-    suggestions->find = [table](const QString& typed) { return shownRows(table, u"F1,F2"_s, typed); };
+    suggestions->find = [table](const QString& typed) { return suggestedRows(table, u"F1,F2"_s, typed); };
     suggestions->take = [box](const QStringList& row) {
         const QString entry = entryOf(row[0], row[1]);
         if (const int listed = box->findText(entry, Qt::MatchExactly | Qt::MatchCaseSensitive); listed >= 0)
