@@ -16,6 +16,8 @@ public:
 
     void choosePicture(); ///< while a record is entered
 
+    void sessionChanged() override;
+
     /// `Txt`: code, name, category's name, unit, model, cost, remark, sale price, lowest and highest stock, opening
     /// quantity and price.
     QComboBox* CmbLB = nullptr; ///< categories; stands in the place of `Txt(2)` while a record is entered
@@ -82,6 +84,7 @@ private:
     QStringList savedRow() const override;
 
     QString categoryCode_; ///< of the record being saved
+    bool sawCost_ = gCanSeeCost;
 };
 
 /// The composite key `F11`: from the category entry as it stands in the list and the code, both with their lengths.
