@@ -427,10 +427,22 @@ void DocumentForm::unloaded()
 
 // Commands ------------------------------------------------------------------------------------------------------------
 
+/// Look-up and reservation are one step, so that nobody else is offered the same number meanwhile.
+void DocumentForm::reserveNumber()
+{
+    const auto next = [this] { return NextDocNumber(kind_.prefix.toString(), kind_.headerTable()); };
+    try {
+        const WriteRun run(gDB);
+        ReservedNo = next();
+        DanNoReserve(ReservedNo, 0);
+    } catch (const StoreError&) { // as for `DanNoReserve`: without a reservation the entry goes on
+        ReservedNo = next();
+    }
+}
+
 void DocumentForm::Menu_Add()
 {
-    ReservedNo = NextDocNumber(kind_.prefix.toString(), kind_.headerTable());
-    DanNoReserve(ReservedNo, 0);
+    reserveNumber();
     fillPartners();
     clearDetail();
     if (CmbLB && CmbLB->count() > 0)

@@ -54,6 +54,7 @@ private:
 
     enum PrintItem { StoredPrint, ShownPrint, PurchasePrint };
 
+    void reserveNumber();
     void buildCommands();
     void addPrintItems(QMenu* menu);
     void buildList();
