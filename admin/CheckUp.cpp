@@ -36,6 +36,7 @@ void CheckUp::Menu_run()
               QList<QList<Value>> records;
               if (!hasRight(OperatorRight::Admin))
                   return records;
+              toldCosts_ = gCanSeeCost;
               const LedgerExamination examination = examineLedger();
               for (const LedgerFinding& finding : examination.findings)
                   records.append(
@@ -55,6 +56,13 @@ void CheckUp::Menu_print()
              {formula(u"Cpt", u"帐本体检报告"_s), formula(u"regname", gCompanyName),
               formula(u"rq", u"检查时间："_s + nowText()), formula(u"LB", LabSum->text())},
              {}});
+}
+
+void CheckUp::sessionChanged()
+{
+    if (hasRight(OperatorRight::Admin) && toldCosts_ && !gCanSeeCost)
+        Menu_run(); // what names a cost is told in other words
+    ListForm::sessionChanged();
 }
 
 void CheckUp::showState()

@@ -13,6 +13,7 @@ public:
 
     void Menu_run();
     void Menu_print();
+    void sessionChanged() override;
 
     QLabel* LabSum = nullptr; ///< how much was looked at and found
 
@@ -22,4 +23,5 @@ protected:
 private:
     qsizetype goods_ = 0;
     qsizetype documents_ = 0;
+    bool toldCosts_ = false; ///< the findings on the list may name costs
 };

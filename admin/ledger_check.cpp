@@ -224,8 +224,10 @@ void Examination::judgeGoods()
         if (goods.lastPrice > 0 && goods.stock > noise &&
             (goods.cost > goods.lastPrice * farOff || goods.cost < goods.lastPrice / farOff))
             find(u"成本异常"_s, where,
-                 u"成本均价 "_s + Format(goods.cost, gPriceFormat) + u"，最近一次入库价 "_s +
-                     Format(goods.lastPrice, gPriceFormat) + u"（"_s + dateText(goods.lastBought) + u"）。"_s,
+                 gCanSeeCost
+                     ? u"成本均价 "_s + Format(goods.cost, gPriceFormat) + u"，最近一次入库价 "_s +
+                           Format(goods.lastPrice, gPriceFormat) + u"（"_s + dateText(goods.lastBought) + u"）。"_s
+                     : u"成本均价与最近一次入库价（%1）相差一倍以上。"_s.arg(dateText(goods.lastBought)),
                  u"请检查入库单的单价和数量有没有录错。"_s);
     }
     for (const auto& [code, lines] : unknownGoods_)

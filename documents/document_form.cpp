@@ -75,7 +75,7 @@ void DocumentForm::buildCommands()
         {"Menu_del",    u"&D.删除",     Shown::Viewing,  &DocumentForm::Menu_del,    true},
         {"Menu_Ok",     u"&C.审核",     Shown::Viewing,  &DocumentForm::Menu_Ok,     true},
         {"Menu_noOK",   u"&X.撤销审核", Shown::Viewing,  &DocumentForm::Menu_noOK,   true},
-        {"Menu_query",  u"&Q.查找",     Shown::Viewing,  &DocumentForm::Menu_query},
+        {"Menu_query",  u"&Q.查找",     Shown::Viewing,  &DocumentForm::Menu_query,  true},
         {"Menu_T",      u"&T.打印条码", Shown::Never,    nullptr},
         {"Menu_print",  u"&P.打印",     Shown::Viewing,  &DocumentForm::Menu_print,  true},
         {"Menu_save",   u"&S.保存",     Shown::Entering, &DocumentForm::Menu_save,   true},

@@ -213,6 +213,43 @@ QString passwordOf(const QString& connect)
     return {};
 }
 
+namespace {
+
+/// What other programs make of the same password, or of none.
+constexpr struct
+{
+    bool keyed;
+    const char* pragmas;
+    QStringView told;
+} otherFormats[] = {
+    {false, "", u"没有加密"},
+    {true, "pragma cipher_page_size = 1024", u"加密时每页为1024字节"},
+    {true, "pragma cipher_page_size = 1024; pragma kdf_iter = 4000", u"加密时每页为1024字节，密钥只计算了4000次"},
+    {true, "pragma cipher_page_size = 4096; pragma kdf_iter = 256000", u"加密时密钥计算了256000次"},
+};
+
+/// What a file that was refused is, if that can be said. It is only read, and by the engine: another descriptor of a
+/// file that is open here would drop the engine's locks on it.
+QString otherFormatOf(const QString& path, const QString& password)
+{
+    const QByteArray key = password.toUtf8();
+    for (const auto& format : otherFormats) {
+        sqlite3* database = nullptr;
+        int code = sqlite3_open_v2(path.toUtf8().constData(), &database, SQLITE_OPEN_READONLY, nullptr);
+        if (code == SQLITE_OK && format.keyed)
+            code = sqlite3_key(database, key.constData(), int(key.size()));
+        for (const char* statement : {format.pragmas, "select count(*) from sqlite_master"})
+            if (code == SQLITE_OK)
+                code = sqlite3_exec(database, statement, nullptr, nullptr, nullptr);
+        sqlite3_close(database);
+        if (code == SQLITE_OK)
+            return format.told.toString();
+    }
+    return {};
+}
+
+} // namespace
+
 std::unique_ptr<LedgerConnection> LedgerConnection::open(const QString& path, const QString& password, Use use)
 {
     const QFileInfo file(path);
@@ -264,11 +301,15 @@ void LedgerConnection::configure(const QString& password, const QString& path, U
     };
     if (code == SQLITE_OK)
         code = sqlite3_exec(database_, knownTable, row, &known, nullptr);
-    if ((code & 0xff) == SQLITE_NOTADB || (code == SQLITE_OK && !known))
-        refuseToOpen(StoreError::Kind::NotLedger,
-                     u"文件“"_s + QDir::toNativeSeparators(path) +
-                         u"”不是本系统的帐本文件，或者密码不对。请选择正确的帐本文件。"_s,
+    if ((code & 0xff) == SQLITE_NOTADB || (code == SQLITE_OK && !known)) {
+        const QString other = code == SQLITE_OK ? QString() : otherFormatOf(path, password);
+        const QString why = other.isEmpty()
+                                ? u"不是本系统的帐本文件，或者密码、加密方式不对。请选择正确的帐本文件。"_s
+                                : other + u"，与本系统的帐本不同，不能打开。请用生成它的程序按本系统的格式另存，"
+                                          "或者选择正确的帐本文件。"_s;
+        refuseToOpen(StoreError::Kind::NotLedger, u"文件“"_s + QDir::toNativeSeparators(path) + u'”' + why,
                      code == SQLITE_OK ? QString() : QString::fromUtf8(sqlite3_errstr(code)));
+    }
     int format = 0;
     if (code == SQLITE_OK)
         code = readFormat(database_, format);

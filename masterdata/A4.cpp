@@ -281,6 +281,16 @@ void A4::updateState()
         LabSL->setText(Edstu == Adding ? u"原始库存"_s : u"库存数量"_s);
 }
 
+/// A search by cost would tell it to an operator who may not see it.
+void A4::sessionChanged()
+{
+    const bool lost = sawCost_ && !gCanSeeCost;
+    sawCost_ = gCanSeeCost;
+    RecordForm::sessionChanged();
+    if (lost && searched())
+        dropSearch();
+}
+
 // The list and the record ---------------------------------------------------------------------------------------------
 
 /// Goods whose category has vanished are listed by a search only.

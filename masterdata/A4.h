@@ -18,6 +18,8 @@ public:
     void Menu_card();     ///< of the current goods
     void Menu_flow();     ///< their in and out, as a chart
 
+    void sessionChanged() override;
+
     /// `Txt`: code, name, category's name, unit, model, cost, remark, sale price, lowest and highest stock, opening
     /// quantity and price.
     QComboBox* CmbLB = nullptr; ///< categories; stands in the place of `Txt(2)` while a record is entered
@@ -84,6 +86,7 @@ private:
     QStringList savedRow() const override;
 
     QString categoryCode_; ///< of the record being saved
+    bool sawCost_ = gCanSeeCost;
 };
 
 /// The composite key `F11`: from the category entry as it stands in the list and the code, both with their lengths.

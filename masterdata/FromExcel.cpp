@@ -72,10 +72,16 @@ FromExcel::FromExcel()
 
 void FromExcel::buildCommands()
 {
+    const auto addGated = [this](const QString& name, const QString& caption, std::function<void()> run) {
+        gated_ += addCommand(name, caption, [run = std::move(run)] {
+            if (requireRight(OperatorRight::Base))
+                run();
+        });
+    };
     addCommand(u"Menu_back"_s, u"&B.备份系统数据"_s, [this] { Menu_back(); });
-    addCommand(u"Menu_Check"_s, u"&C.检查"_s, [this] { Menu_Check(); });
-    addCommand(u"Menu_Run"_s, u"&S.导入新数据"_s, [this] { Menu_Run(); });
-    addCommand(u"Menu_del"_s, u"&D.删除行"_s, [this] { Menu_del(); });
+    addGated(u"Menu_Check"_s, u"&C.检查"_s, [this] { Menu_Check(); });
+    addGated(u"Menu_Run"_s, u"&S.导入新数据"_s, [this] { Menu_Run(); });
+    addGated(u"Menu_del"_s, u"&D.删除行"_s, [this] { Menu_del(); });
     addCommand(u"Menu_help"_s, u"&H.使用说明"_s, [this] { Menu_help(); });
     addCommand(u"Menu_R"_s, u"&R.返回系统主窗口"_s, [this] { Menu_R(); });
 }
@@ -158,9 +164,18 @@ void FromExcel::build()
     TabS->addTab(sheet, u"工作表数据"_s);
     TabS->addTab(check, u"检查结果"_s);
 
-    content()->addLayout(source);
-    content()->addLayout(columns);
-    content()->addWidget(TabS, 1);
+    body_ = new QWidget;
+    auto* body = new QVBoxLayout(body_);
+    body->setContentsMargins({});
+    body->setSpacing(style::spacing);
+    body->addLayout(source);
+    body->addLayout(columns);
+    body->addWidget(TabS, 1);
+    barred_ = makeLabel(u"LabBarred"_s, QString());
+    barred_->setAlignment(Qt::AlignCenter);
+    barred_->hide();
+    content()->addWidget(body_, 1);
+    content()->addWidget(barred_, 1);
     // A path that was typed; it may not be one yet, so that nothing is told before the data are read.
     onFocusOut(TxtFile, [this] {
         if (TxtFile->isModified())
@@ -447,6 +462,13 @@ void FromExcel::sessionChanged()
 {
     if (!isTopAdministrator())
         dropOutcome(); // it tells costs
+    const bool allowed = hasRight(OperatorRight::Base);
+    for (QAction* action : gated_)
+        action->setEnabled(allowed);
+    body_->setVisible(allowed);
+    barred_->setVisible(!allowed);
+    barred_->setText(
+        allowed ? QString() : u"当前操作员没有“%1”权限，不能查看%2。"_s.arg(rightName(OperatorRight::Base), Caption()));
 }
 
 void FromExcel::unloaded()

@@ -61,4 +61,8 @@ private:
     bool complete();
     void showOutcome(Outcome&& outcome, GoodsImport::Mode mode);
     void dropOutcome();
+
+    QList<QAction*> gated_;    ///< commands that ask for the right of the form's menu
+    QWidget* body_ = nullptr;  ///< all but the command bar
+    QLabel* barred_ = nullptr; ///< stands in its place for an operator without the right
 };

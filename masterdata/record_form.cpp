@@ -68,6 +68,7 @@ void RecordForm::setListColumns(const QList<GridColumn>& columns)
 void RecordForm::loadList()
 {
     Recordset records = gDB.OpenRecordset(listStatement());
+    listStale_ = false;
     const int columns = GD->Cols();
     QList<QStringList> rows;
     rows.reserve(records.RecordCount());
@@ -79,6 +80,14 @@ void RecordForm::loadList()
         rows += std::move(row);
     }
     fillList(std::move(rows));
+}
+
+void RecordForm::dropSearch()
+{
+    searched_ = false;
+    condition_.clear();
+    listStale_ = true;
+    recordsChanged();
 }
 
 void RecordForm::refresh()
@@ -137,6 +146,8 @@ void RecordForm::leaveEntering()
     Edstu = Viewing;
     codeFixed_ = false;
     updateState();
+    if (listStale_)
+        loadList();
     showRecord();
     TabS->setFocus();
 }

@@ -72,6 +72,8 @@ protected:
     /// Set by a search: the list's statement may be another one then, and takes the condition.
     bool searched() const { return searched_; }
     const QString& condition() const { return condition_; }
+    /// The list is the usual one again, at the latest when an entry ends.
+    void dropSearch();
     void loadList();
 
     /// The current row in the detail fields.
@@ -114,5 +116,6 @@ private:
     QList<QAction*> gated_; ///< commands that ask for the right of the form's menu
     bool codeFixed_ = false;
     bool searched_ = false;
+    bool listStale_ = false; ///< it shows what a search found that was dropped
     QString condition_;
 };

@@ -399,9 +399,9 @@ private slots:
         QTest::newRow("the ledger is lost") << u"lost"_s << QString();
         QTest::newRow("the ledger is damaged") << u"damaged"_s << QString();
         QTest::newRow("other session") << u"busy"_s << u"其它用户正在使用这个帐本。请在其它用户退出系统之后再试。"_s;
-        QTest::newRow("no ledger") << u"garbage"_s << u"不是本系统的帐本文件，或者密码不对。请选择正确的帐本文件。"_s;
+        QTest::newRow("no ledger") << u"garbage"_s << u"不是本系统的帐本文件，或者密码、加密方式不对。请选择正确的帐本文件。"_s;
         QTest::newRow("another password")
-            << u"password"_s << u"不是本系统的帐本文件，或者密码不对。请选择正确的帐本文件。"_s;
+            << u"password"_s << u"不是本系统的帐本文件，或者密码、加密方式不对。请选择正确的帐本文件。"_s;
         QTest::newRow("no such file") << u"missing"_s << u"请检查文件是否还在、网络是否连通。"_s;
         QTest::newRow("unsound backup, wanted all the same") << u"unsound"_s << QString();
     }

@@ -20,6 +20,7 @@ private slots:
     void newStartKeepsTheSession();
     void secondOperator();
     void workInPlace();
+    void passwordsStayUntold();
     void arguments();
 
 private:
@@ -162,6 +163,16 @@ void PlayTest::workInPlace()
     QCOMPARE(play({u"--app"_s, own.path(), u"--shots"_s, folder_->filePath(u"shots"_s), path}), 0);
     QVERIFY(own.exists(u"Sub/B.txt"_s));
     QVERIFY(!QImage(folder_->filePath(u"shots/deep/p.png"_s)).isNull());
+}
+
+void PlayTest::passwordsStayUntold()
+{
+    const QString path = script(u"s.play"_s, u"open vemaro.dat\ntype Login.Txt(1) geheim\nkeys auch\n"
+                                             u"expect Login.Txt(1) geheimauch\nexpect Login.Txt(1) geheimer"_s);
+    QCOMPARE(play({u"--trace"_s, path}), 1);
+    QCOMPARE(faults_, path + u":5: expected Login.Txt(1) with that password, got another one\n"_s);
+    QVERIFY(output_.contains(path + u":2: type Login.Txt(1) ***\n"_s));
+    QVERIFY2(!output_.contains(u"geheim"_s) && !output_.contains(u"auch"_s), qPrintable(output_));
 }
 
 void PlayTest::arguments()

@@ -115,6 +115,8 @@ private slots:
     void presenceLock();
     void marksTellWhoIsHere();
     void earlierFormatIsBroughtUp();
+    void ciphersOfOtherPrograms_data();
+    void ciphersOfOtherPrograms();
     void laterFormatIsRefused();
     void runCommitsOnce();
     void runKeepsWhatRan();
@@ -463,6 +465,60 @@ void StoreTest::earlierFormatIsBroughtUp()
     QCOMPARE(readFormat(raised.connection().handle(), format), SQLITE_OK);
     QCOMPARE(format, ledgerFormat);
     QCOMPARE(LookupValue(raised, u"select F1 from TE1"_s), u"001"_s);
+}
+
+/// The same format may be asked for in several words; what differs in it is refused with what it is, and left alone.
+void StoreTest::ciphersOfOtherPrograms_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("refused"); // "" opens
+    QTest::newRow("as the program asks") << u"short_form.hcn"_s << QString();
+    QTest::newRow("each parameter by name") << u"long_form.hcn"_s << QString();
+    QTest::newRow("by no library") << u"by_hand.hcn"_s << QString();
+    QTest::newRow("other pages") << u"refused_page_1024.hcn"_s << u"加密时每页为1024字节，与本系统"_s;
+    QTest::newRow("of the 2.x library") << u"refused_4000_rounds.hcn"_s << u"密钥只计算了4000次，与本系统"_s;
+    QTest::newRow("other rounds") << u"refused_256000_rounds.hcn"_s << u"加密时密钥计算了256000次，与本系统"_s;
+    QTest::newRow("of the 4.x library") << u"refused_sha512.hcn"_s << u"或者密码、加密方式不对"_s; // like a wrong key
+    QTest::newRow("not encrypted") << QString() << u"没有加密，与本系统"_s;
+}
+
+void StoreTest::ciphersOfOtherPrograms()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, refused);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"帐本.hcn"_s);
+    if (file.isEmpty()) {
+        sqlite3* plain = nullptr;
+        QCOMPARE(sqlite3_open(path.toUtf8().constData(), &plain), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(plain, "create table TE1 (F1)", nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(plain);
+    } else {
+        QVERIFY(QFile::copy(QStringLiteral(TEST_DATA "/cipher/") + file, path));
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    }
+    const auto bytes = [&path] {
+        QFile read(path);
+        return read.open(QIODevice::ReadOnly) ? read.readAll() : QByteArray();
+    };
+    const QByteArray before = bytes();
+    QString told;
+    try {
+        Database ledger = DBEngine::OpenDatabase(path, ledgerConnect.toString());
+        ledger.Execute(u"update TE1 set F2='新名' where F1='001'"_s);
+    } catch (const StoreError& error) {
+        told = error.details().what;
+    }
+    QCOMPARE(told.isEmpty(), refused.isEmpty());
+    QVERIFY2(told.contains(refused), qPrintable(told));
+    if (!refused.isEmpty()) {
+        QCOMPARE(bytes(), before);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList(u"帐本.hcn"_s));
+        return;
+    }
+    Database again = DBEngine::OpenDatabase(path, ledgerConnect.toString());
+    QCOMPARE(LookupValue(again, u"select F2 from TE1"_s), u"新名"_s);
+    QVERIFY(integrityFaults(again).isEmpty());
 }
 
 void StoreTest::laterFormatIsRefused()

@@ -199,9 +199,16 @@ void Player::addActing()
 
 void Player::addExpecting()
 {
-    look(u"expect"_s, [](const ControlUse& use) { expectEqual(use.name, use.line.operands[1], textOf(use)); });
+    look(u"expect"_s, [](const ControlUse& use) {
+        const QString text = textOf(use);
+        if (world::secret(use.found.widget) && text != use.line.operands[1])
+            fail(use.name + u" with that password"_s, u"another one"_s);
+        expectEqual(use.name, use.line.operands[1], text);
+    });
     look(u"expect-has"_s, [](const ControlUse& use) {
         const QString text = textOf(use);
+        if (!text.contains(use.line.operands[1]) && world::secret(use.found.widget))
+            fail(use.name + u" with that in the password"_s, u"another one"_s);
         if (!text.contains(use.line.operands[1]))
             fail(u"%1 with %2 in it"_s.arg(use.name, quoted(use.line.operands[1])), quoted(text));
     });

@@ -20,6 +20,10 @@
 #include <cstdlib>
 #include <thread>
 
+#ifdef HCN_COVERAGE
+extern "C" void __gcov_dump();
+#endif
+
 namespace play {
 
 namespace {
@@ -60,8 +64,22 @@ void passMessage(QtMsgType type, const QMessageLogContext& context, const QStrin
         std::abort();
 }
 
+/// The line as it may be printed.
+QString printable(const Line& line)
+{
+    static const QStringList textOfControl{u"type"_s, u"expect"_s, u"expect-has"_s};
+    if (line.command == u"keys" && world::secret(QApplication::focusWidget()))
+        return line.command + u" ***"_s;
+    if (textOfControl.contains(line.command) && world::secret(world::find(line.operands[0]).widget))
+        return line.command + u' ' + line.operands[0] + u" ***"_s;
+    return line.source;
+}
+
 [[noreturn]] void leaveProcess(ExitStatus status)
 {
+#ifdef HCN_COVERAGE
+    __gcov_dump(); // else only an orderly end does it
+#endif
     std::_Exit(status); // nothing of the program may run any more, destructors included
 }
 
@@ -148,7 +166,7 @@ void Player::playNext()
     if (phase == 0) {
         noteLine(order_.sessionFolder, line.number);
         if (order_.trace && !resumed_)
-            printLine(u"%1:%2: %3"_s.arg(order_.script).arg(line.number).arg(line.source));
+            printLine(u"%1:%2: %3"_s.arg(order_.script).arg(line.number).arg(printable(line)));
         resumed_ = false;
     }
     const qsizetype mine = ++played_;

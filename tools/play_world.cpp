@@ -213,6 +213,13 @@ std::optional<bool> on(const Found& found)
     return {};
 }
 
+bool secret(const QWidget* widget)
+{
+    const auto* edit = qobject_cast<const QLineEdit*>(widget);
+    // A cost that may be typed and not read shows stars as well; a password's field never shows anything else.
+    return edit && edit->echoMode() != QLineEdit::Normal;
+}
+
 std::optional<QString> text(const Found& found)
 {
     if (found.action) {

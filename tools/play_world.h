@@ -39,6 +39,8 @@ bool focused(const Found& found);
 std::optional<bool> on(const Found& found);
 /// What it says: text, label, caption with its letter, current item or tab. Nothing for what has no text.
 std::optional<QString> text(const Found& found);
+/// A password: what stands in it is told nobody.
+bool secret(const QWidget* widget);
 /// The items of a combo box or list; nothing for anything else.
 std::optional<QStringList> items(const Found& found);
 
