@@ -582,7 +582,11 @@ void DocumentForm::Menu_save()
         }
     }
     listSaved(partnerCode);
-    leaveEntering();
+    try {
+        leaveEntering();
+    } catch (const StoreError&) { // it is saved and on screen; the next command tells what keeps the ledger away
+        TabS->setFocus();
+    }
     SavedNotice();
 }
 

@@ -301,5 +301,9 @@ void RecordForm::Menu_save()
     if (Edstu == Editing)
         removeListRow(listRow());
     addListRow(row);
-    leaveEntering();
+    try {
+        leaveEntering();
+    } catch (const StoreError&) { // it is saved and on screen; the next command tells what keeps the ledger away
+        TabS->setFocus();
+    }
 }

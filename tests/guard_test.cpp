@@ -273,7 +273,7 @@ void GuardTest::gatesHold()
     QCOMPARE(formsThatShow(), QStringList());
     modals_->came.removeDuplicates();
     modals_->came.sort();
-    QCOMPARE(modals_->came, (QStringList{u"AboutUS"_s, u"S2"_s, u"frmTip"_s, u"sysDBbak"_s})); // open to everybody
+    QCOMPARE(modals_->came, (QStringList{u"AboutUS"_s, u"LookSet"_s, u"S2"_s, u"frmTip"_s, u"sysDBbak"_s})); // open to everybody
     QCOMPARE(gOperId, u"200"_s);
 
     // Nor does a form that is made only now show anything, whoever made it.

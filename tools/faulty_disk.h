@@ -45,7 +45,8 @@ public:
     int failFrom = -1;  ///< the write from which all fail; -1 none does
     int failOnce = -1;  ///< the operation that fails; those behind it come off
     int failWith = SQLITE_FULL;
-    int goneFrom = -1; ///< the operation from which nothing answers any more, reading and locking included
+    int goneFrom = -1;   ///< the operation from which nothing answers any more, reading and locking included
+    bool missed = false; ///< something was asked of it while it was gone
     std::function<void(int operation)> before; ///< called before each operation
     void heal() { failFrom = failOnce = goneFrom = cutAt_ = -1; }
 
@@ -145,14 +146,19 @@ private:
         return of(file)->disk->isGone() ? failure : pass<Method, Arguments...>(file, arguments...);
     }
 
-    bool isGone() const { return goneFrom >= 0 && operations >= goneFrom; }
+    bool isGone()
+    {
+        const bool gone = goneFrom >= 0 && operations >= goneFrom;
+        missed |= gone;
+        return gone;
+    }
     bool fails()
     {
+        const bool gone = isGone();
         const int operation = operations++;
         if (before)
             before(operation);
-        return operation == failOnce || (cutAt_ >= 0 && operation >= cutAt_) ||
-               (goneFrom >= 0 && operation >= goneFrom);
+        return gone || operation == failOnce || (cutAt_ >= 0 && operation >= cutAt_);
     }
     bool remembers(const char* name) const { return name && cutAt_ >= 0; }
 

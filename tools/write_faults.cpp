@@ -360,7 +360,9 @@ QString Campaign::attempt(const Command& command, Fault fault, int place, bool& 
             disk.cutPowerAt(operations + place);
         command.run();
         boxes = witness_->boxes;
-        met = fault == Fault::Full ? disk.writes > writes + place : disk.operations > operations + place;
+        met = fault == Fault::Gone   ? disk.missed
+              : fault == Fault::Full ? disk.writes > writes + place
+                                     : disk.operations > operations + place;
         if (!cut)
             disk.heal();
         else if (!met)
