@@ -15,6 +15,7 @@
 #include "reports/C1.h"
 #include "reports/Query.h"
 #include "shell/BGForm.h"
+#include "shell/CompanySet.h"
 #include "shell/Login.h"
 #include "shell/MForm.h"
 #include "shell/ZbSet.h"
@@ -406,6 +407,8 @@ void GuardTest::typedValuesStayValues()
         if (qobject_cast<ZbSet*>(&form) || qobject_cast<Login*>(&form))
             return;
         fill(form);
+        if (auto* company = qobject_cast<CompanySet*>(&form))
+            return company->save();
         if (auto* query = qobject_cast<Query*>(&form)) {
             for (int field = 0; field < query->CmbF->count(); ++field) {
                 query->CmbF->setCurrentIndex(field);
