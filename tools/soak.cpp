@@ -64,7 +64,7 @@ public:
     Answer show(const Box& box) override
     {
         told = box.text;
-        if (box.text.contains(u"正被其它用户使用"_s))
+        if (box.text.contains(u"请稍候再试"_s))
             ++inTheWay;
         else if (box.kind == BoxKind::Error)
             giveUp(box.text);
@@ -175,6 +175,8 @@ private:
         if (!form.CmbLB)
             form.Txt[2]->setText(u"老王"_s);
         fill(form, 1 + below(6));
+        if (form.lines->isEmpty()) // nothing of it is in stock any more
+            return patiently([&] { form.Menu_cancel(); });
         save(form);
         const int fate = below(20);
         if (fate < 3) {
