@@ -125,6 +125,7 @@ void LineEntry::build()
     auto* quantityLabel = makeLabel(u"LabSL"_s, u"数量"_s);
     for (QLabel* label : {hint, codeLabel, quantityLabel})
         setLook(label, LabelLook::Field);
+    hint->setMinimumWidth(1); // with a large font it gives way before the fields do
     auto* row = makeRow({codeLabel, TxtHPBM, CmdQuery, quantityLabel, TxtSL, CmdEnter, CmdDel, ChkScan, nullptr, hint});
 
     lookup = new GoodsLookup(kind_.sheet->stockCaption.toString(), kind_.newGoods == NewGoods::Panel);
