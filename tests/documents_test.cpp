@@ -941,6 +941,21 @@ private slots:
         QCOMPARE(ledger_->row(u"select F1,F2,F3,F5,F6,F9,F10 from TD1 where F1<>'X1'"_s),
                  u"CK0411180001|2004-11-18|K1|王小敏|Null|12|附注"_s);
         QCOMPARE(ledger_->rows(u"select F1,F6,F7,F8 from TD11 where F0='CK0411180001'"_s), QStringList{u"A1|4|3|一"_s});
+        // A consignee who is gone is to be chosen anew; a stock-take has a name that was typed.
+        ledger_->run(u"delete from TA2 where F1='K1'"_s);
+        boxes_->expectStart(u"单据 CK0411180001 中有几项没有复制过来：\n\n出货单位"_s);
+        run(form, "Menu_copy");
+        QCOMPARE(form.CmbLB->currentText(), QString());
+        QCOMPARE(form.lines->count(), 1);
+        run(form, "Menu_cancel");
+        ledger_->run(u"insert into TC2 (F1,F2,F3,F6) values ('P1','2004-11-1','老王','审核')"_s);
+        ledger_->run(u"insert into TC21 (F0,F1,F6,F7) values ('P1','A1',4,9)"_s);
+        DocumentForm& count = open(DocumentKind::C2);
+        count.listAll({});
+        run(count, "Menu_copy");
+        QCOMPARE(count.Txt[2]->text(), u"老王"_s);
+        QCOMPARE(count.lines->count(), 1);
+        run(count, "Menu_cancel");
         ledger_->run(u"delete from TD1"_s);
         boxes_->expectStart(u"单据 CK0411180001 已经不在帐本里"_s);
         run(form, "Menu_copy");
