@@ -492,20 +492,14 @@ QStringList A4::savedRow() const
 
 void A4::Menu_card()
 {
-    if (!requireRight(table_.right))
-        return;
-    if (listEmpty())
-        return MsgBox(u"请先选一种货品。"_s);
-    GoodsCard::open(listCell(CodeColumn));
+    if (requireRight(table_.right))
+        GoodsCard::open(listCell(CodeColumn));
 }
 
 void A4::Menu_flow()
 {
-    if (!requireRight(table_.right))
-        return;
-    if (listEmpty())
-        return MsgBox(u"请先选一种货品。"_s);
-    GoodsChart::open(listCell(CodeColumn));
+    if (requireRight(table_.right))
+        GoodsChart::open(listCell(CodeColumn));
 }
 
 bool A4::queryUnload()

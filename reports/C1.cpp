@@ -168,18 +168,12 @@ QString C1::currentCode() const
 
 void C1::Menu_card()
 {
-    if (const QString code = currentCode(); !code.isEmpty())
-        GoodsCard::open(code);
-    else
-        MsgBox(u"请先选一种货品。"_s);
+    GoodsCard::open(currentCode());
 }
 
 void C1::Menu_flow()
 {
-    if (const QString code = currentCode(); !code.isEmpty())
-        GoodsChart::open(code);
-    else
-        MsgBox(u"请先选一种货品。"_s);
+    GoodsChart::open(currentCode());
 }
 
 QList<QueryField> C1::queryFields() const

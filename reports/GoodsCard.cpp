@@ -90,6 +90,8 @@ void GoodsCard::open(const QString& code)
 {
     if (!requireRight(OperatorRight::Stock))
         return;
+    if (code.isEmpty())
+        return MsgBox(u"请先选一种货品。"_s);
     auto& form = theForm<GoodsCard>();
     if (form.read(code, true))
         form.Show();

@@ -23,6 +23,8 @@ void GoodsChart::open(const QString& code)
 {
     if (!requireRight(OperatorRight::Stock))
         return;
+    if (code.isEmpty())
+        return MsgBox(u"请先选一种货品。"_s);
     auto& form = theForm<GoodsChart>();
     form.code_ = code;
     form.list(form.monthly());

@@ -10,7 +10,6 @@
 #include "shell/MForm.h"
 #include "shell/session.h"
 
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace {
@@ -92,7 +91,7 @@ FirstSteps::FirstSteps(QWidget* area)
 
 void FirstSteps::refresh()
 {
-    const bool wanted = !gOperId.isEmpty() && !Form::activeChild() &&
+    const bool wanted = isTopAdministrator() && !Form::activeChild() &&
                         GetSetting(gProgramName, settingSection, settingKey, u"1"_s) != u"0";
     if (!wanted || inUse())
         return hide();
@@ -102,18 +101,12 @@ void FirstSteps::refresh()
         const bool done = steps[i].done();
         LabStep[i]->setText((done ? u"✓　"_s : u"%1　"_s.arg(i + 1)) + steps[i].todo);
         LabStep[i]->setEnabled(!done);
-        const QAction* item = MForm::get().menuItem(QString::fromLatin1(steps[i].menuItem));
         CmdStep[i]->setVisible(!done);
-        CmdStep[i]->setEnabled(item->isEnabled());
-        if (next < 0 && !done && item->isEnabled())
+        if (next < 0 && !done)
             next = i;
     }
     for (int i = 0; i < stepCount; ++i)
-        CmdStep[i]->setProperty("look", i == next ? u"primary"_s : QString());
-    for (QPushButton* button : CmdStep) {
-        button->style()->unpolish(button);
-        button->style()->polish(button);
-    }
+        CmdStep[i]->setDefault(i == next);
     show();
     place();
     if (next >= 0)

@@ -148,6 +148,13 @@ private:
     {
         return std::make_unique<Operator>(ledger_->path(), name, folder_->path(), patience);
     }
+    std::vector<std::unique_ptr<Operator>> crew(const QStringList& names)
+    {
+        std::vector<std::unique_ptr<Operator>> operators;
+        for (const QString& name : names)
+            operators.push_back(somebody(name));
+        return operators;
+    }
     static QStringList answersOf(const std::vector<std::unique_ptr<Operator>>& operators, const QString& line)
     {
         QStringList all;
@@ -223,9 +230,7 @@ private slots:
     void numbersAndAuditsAtTheSameMoment()
     {
         constexpr int each = 8;
-        std::vector<std::unique_ptr<Operator>> operators;
-        for (const QString& name : {u"甲"_s, u"乙"_s, u"丙"_s, u"丁"_s})
-            operators.push_back(somebody(name));
+        const auto operators = crew({u"甲"_s, u"乙"_s, u"丙"_s, u"丁"_s});
         const int all = each * int(operators.size());
         const QStringList told = answersOf(operators, u"fill B1 %1 A1 5"_s.arg(each));
         QCOMPARE(told.filter(u"单据保存成功"_s).size(), all);
@@ -275,9 +280,7 @@ private slots:
     {
         for (int i = 0; i < 200; ++i)
             ledger_->run(u"insert into TA4 (F1,F2,F7,F8) values ('G%1','货',2,5)"_s.arg(i));
-        std::vector<std::unique_ptr<Operator>> operators;
-        for (const QString& name : {u"甲"_s, u"乙"_s, u"丙"_s})
-            operators.push_back(somebody(name));
+        const auto operators = crew({u"甲"_s, u"乙"_s, u"丙"_s});
         operators[2]->ask(u"generate"_s);
         for (const QString& line : {u"generate"_s, u"keep"_s}) {
             for (int i : {0, 1})
@@ -303,9 +306,7 @@ private slots:
     {
         for (int i = 0; i < 100; ++i)
             ledger_->run(u"insert into TA4 (F1,F2,F7,F8) values ('G%1','货',2,5)"_s.arg(i));
-        std::vector<std::unique_ptr<Operator>> operators;
-        for (const QString& name : {u"甲"_s, u"乙"_s, u"丙"_s})
-            operators.push_back(somebody(name));
+        const auto operators = crew({u"甲"_s, u"乙"_s, u"丙"_s});
         for (int i = 0; i < 5; ++i)
             QCOMPARE(answersOf(operators, u"print"_s), QStringList());
         for (const auto& one : operators)
