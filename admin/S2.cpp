@@ -37,9 +37,6 @@ QWidget* makeFrame(const QString& name, QLayout* body, std::initializer_list<QWi
     all->setSpacing(style::spacing);
     all->addLayout(body, 1);
     all->addLayout(makeRow(buttons));
-    for (QWidget* widget : buttons)
-        if (auto* button = qobject_cast<QPushButton*>(widget))
-            button->setAutoDefault(true); // Enter presses the one that has the focus
     return frame;
 }
 

@@ -33,8 +33,6 @@ S32::S32()
     Command1 = makeButton(u"Command1"_s, u"恢复数据"_s, [this] { restore(); });
     Command3 = makeButton(u"Command3"_s, u"备份数据"_s, [] { theForm<sysDBbak>().ShowModal(); });
     Command2 = makeButton(u"Command2"_s, u"返回系统"_s, [this] { Unload(); });
-    for (QPushButton* button : {Command1, Command3, Command2})
-        button->setAutoDefault(true); // Enter presses the one that has the focus
 
     content()->addWidget(LabWarning);
     content()->addLayout(fields);

@@ -98,8 +98,6 @@ sysDBbak::sysDBbak()
     manualRows->addLayout(makeRow({nullptr, Command3}));
 
     Command1 = makeButton(u"Command1"_s, u"返回系统"_s, [this] { Unload(); });
-    for (QPushButton* button : {Command1, Command2, Command3})
-        button->setAutoDefault(true); // Enter presses the one that has the focus
     enterMovesOn(Txt);
     content()->addWidget(automatic);
     content()->addWidget(manual);

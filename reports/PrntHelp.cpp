@@ -44,7 +44,6 @@ PrntHelp::PrntHelp()
     }
     CmdOK = makeButton(
         u"CmdOK"_s, u"确  定"_s, [this] { Unload(); }, -1, ButtonLook::Primary);
-    CmdOK->setAutoDefault(true);
     content()->addWidget(panel);
     content()->addLayout(makeRow({nullptr, CmdOK}));
 }

@@ -86,8 +86,6 @@ Query::Query()
     CmdQuery = makeButton(
         u"CmdQuery"_s, u"&Q.查找"_s, [this] { search(); }, -1, ButtonLook::Primary);
     Cmdcancel = makeButton(u"Cmdcancel"_s, u"&C.取消"_s, [this] { cancel(); });
-    for (QPushButton* button : {CmdAdd, CmdRemove, CmdQuery, Cmdcancel})
-        button->setAutoDefault(true); // Enter presses the one that has the focus
     Lst = new QListWidget;
     Lst->setObjectName(u"Lst"_s);
     Lst->setAccessibleName(u"查询条件窗口"_s);

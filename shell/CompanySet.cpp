@@ -41,8 +41,6 @@ CompanySet::CompanySet()
         u"Cmd"_s, u"保 存"_s, [this] { save(); }, 0, ButtonLook::Primary);
     Cmd[1] = makeButton(
         u"Cmd"_s, u"取 消"_s, [this] { Unload(); }, 1);
-    for (QPushButton* button : Cmd)
-        button->setAutoDefault(true); // Enter presses the one that has the focus
     content()->addLayout(makeRow({nullptr, Cmd[0], Cmd[1]}));
     style::keepWidth(content()->parentWidget(), 520);
 }

@@ -77,7 +77,6 @@ FirstSteps::FirstSteps(QWidget* area)
         LabStep[i] = makeLabel(u"LabStep"_s, QString(), i);
         CmdStep[i] = makeButton(
             u"CmdStep"_s, steps[i].button.toString(), [item] { MForm::get().menuItem(item)->trigger(); }, i);
-        CmdStep[i]->setAutoDefault(true); // Enter presses the one that has the focus
         grid->addWidget(LabStep[i], i, 0);
         grid->addWidget(CmdStep[i], i, 1);
     }

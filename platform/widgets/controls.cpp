@@ -227,7 +227,7 @@ QPushButton* makeButton(const QString& name, const QString& caption, std::functi
 {
     auto* button = new QPushButton(caption);
     button->setObjectName(controlName(name, index));
-    button->setAutoDefault(false);
+    button->setAutoDefault(true); // Enter presses the one that has the focus
     if (look != ButtonLook::Plain)
         setLookProperty(button, look == ButtonLook::Primary ? u"primary"_s : u"compact"_s);
     QObject::connect(button, &QPushButton::clicked, button, [run = std::move(run)] {
