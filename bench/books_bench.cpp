@@ -269,6 +269,7 @@ void openList(benchmark::State& state, const BooksSession& session, Open open)
         beside.turn(
             [&] {
                 open().Unload();
+                QCoreApplication::sendPostedEvents(); // else they pile up
                 QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             },
             [&] { bare.run(recording.statements); });

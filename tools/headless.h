@@ -76,6 +76,14 @@ inline void beginSession(const QString& path)
     LoadYearStart();
 }
 
+/// What the message loop does between two commands: posted events are delivered, closed forms go. Without it the events
+/// pile up, and each widget that goes looks through all of them for its own.
+inline void turnLoop()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 /// Closes all forms, entries that are open included, and the ledger.
 inline void endSession()
 {
@@ -83,7 +91,7 @@ inline void endSession()
         form->setProperty("Edstu", 0);
         form->Unload();
     }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    turnLoop();
     resetSession();
 }
 

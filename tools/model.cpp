@@ -473,7 +473,7 @@ QString Life::run(const Command& command)
         addWithNewGoods(command);
         break;
     }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    headless::turnLoop();
     if (!host_->trouble.isEmpty())
         differ(host_->trouble);
     compare();

@@ -156,7 +156,7 @@ public:
             document();
         for (Form* form : QList<Form*>(Form::all()))
             form->Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        headless::turnLoop();
         logOut();
         gDB.Close();
     }
@@ -308,7 +308,7 @@ std::array<double, measured.size()> measure(const Plan& plan, int month)
     setClock(QDateTime(day, QTime(18, 0, 0)));
     const auto unload = [](Form& form) {
         form.Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        headless::turnLoop();
     };
     std::array<double, measured.size()> times{};
     std::vector<double> audits;
