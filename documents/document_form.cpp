@@ -561,9 +561,10 @@ void DocumentForm::Menu_save()
 {
     if (!lines->endEdit() || !headerComplete())
         return;
-    QString partnerCode;
+    const QString partnerCode = enteredPartner();
     QString number = Txt[Number]->text();
     const bool typed = number != ReservedNo;
+    noteSaving(number, partnerCode); // a sync of the local disk, for which nobody else shall wait
     {
         // From the test of the number on, so that nobody else takes it meanwhile; and a consignee who is added comes
         // with the document or not at all.
@@ -574,7 +575,6 @@ void DocumentForm::Menu_save()
             return MsgBox(u"不能保存空的单据！请录入"_s + kind_.word + u"货品！"_s);
         if (!numberFree(number, typed))
             return;
-        noteSaving(number, partnerCode);
         write(number, partnerCode);
         if (typed) {
             DanNoRelease(ReservedNo);
@@ -612,13 +612,15 @@ bool DocumentForm::headerComplete()
     return true;
 }
 
-bool DocumentForm::findPartner(QString& code)
+QString DocumentForm::enteredPartner() const
 {
-    if (!CmbLB) {
-        code = Txt[PartnerName]->text();
+    return CmbLB ? Trim(codeOf(CmbLB->currentText())).toUpper() : Txt[PartnerName]->text();
+}
+
+bool DocumentForm::findPartner(const QString& code)
+{
+    if (!CmbLB)
         return true;
-    }
-    code = Trim(codeOf(CmbLB->currentText())).toUpper();
     const QString name = LookupValue(gDB, u"select F2 from "_s + kind_.partners + u" where F1="_s + sqlText(code));
     if (name == u"NoFound" && kind_.partnerRule == Partner::AddedIfUnknown && gOutboundFlagA == 1 && !code.isEmpty()) {
         gDB.Execute(u"insert into "_s + kind_.partners + u" (F1,F2) values ("_s + sqlText(code) + u',' + sqlText(code) +

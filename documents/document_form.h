@@ -89,7 +89,8 @@ private:
     void updateBadge();
 
     bool headerComplete();
-    bool findPartner(QString& code);
+    QString enteredPartner() const; ///< its code
+    bool findPartner(const QString& code);
     bool numberFree(QString& number, bool typed);
     void write(const QString& number, const QString& partnerCode);
 

@@ -135,7 +135,8 @@ void DocumentForm::keepEntry()
 }
 
 /// From the commit on the entry must not be offered any more, also when the process dies right behind it: then the
-/// ledger has what is noted here.
+/// ledger has what is noted here. A save that is refused or fails leaves the note, which says nothing as long as the
+/// ledger doesn't have that document, until the entry is kept again.
 void DocumentForm::noteSaving(const QString& number, const QString& partnerCode)
 {
     if (!kept_ || !untouched_.isEmpty())
