@@ -3,6 +3,7 @@
 #include "platform/base/dialogs.h"
 #include "platform/widgets/style.h"
 
+#include <QActionEvent>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
@@ -121,6 +122,35 @@ private:
     }
 };
 
+/// A change of mode shows, hides and renames a dozen commands, and for each change of each the toolkit would measure
+/// all captions anew. Nobody sees the bar or presses a key before the loop turns, so once then is enough.
+class CommandBar : public QMenuBar
+{
+public:
+    using QMenuBar::QMenuBar;
+
+protected:
+    void actionEvent(QActionEvent* event) override
+    {
+        if (event->type() != QEvent::ActionChanged || !isVisible())
+            return QMenuBar::actionEvent(event);
+        if (!std::exchange(waiting_, true))
+            QMetaObject::invokeMethod(this, &CommandBar::takeChanges, Qt::QueuedConnection);
+    }
+
+private:
+    void takeChanges()
+    {
+        waiting_ = false;
+        if (actions().isEmpty())
+            return;
+        QActionEvent changed(QEvent::ActionChanged, actions().constFirst()); // it heeds all of them
+        QMenuBar::actionEvent(&changed);
+    }
+
+    bool waiting_ = false;
+};
+
 QWidget* windowInFront()
 {
     // A window that was just closed may still count as active; a form that stood before it would die with it.
@@ -154,7 +184,7 @@ int execModal(QDialog& dialog)
 }
 
 Form::Form(const QString& name, const QString& caption)
-    : bar_(new QMenuBar(this))
+    : bar_(new CommandBar(this))
 {
     setObjectName(name);
     setCaption(caption);
