@@ -8,7 +8,9 @@
 
 #include <QComboBox>
 
+#include <functional>
 #include <map>
+#include <string_view>
 
 namespace {
 
@@ -54,10 +56,9 @@ private:
     {
         size_t digest = 0;
         gDB.walk(statement_, [&](const PassingRow& row) {
-            for (int column = 0; column < texts_; ++column) {
-                const std::string_view text = row.text(column);
-                digest = qHashBits(text.data(), text.size(), digest + text.size());
-            }
+            for (int column = 0; column < texts_; ++column)
+                digest =
+                    digest * 31 + std::hash<std::string_view>()(row.text(column)); // the toolkit's takes thrice as long
         });
         return digest;
     }
