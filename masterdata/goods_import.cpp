@@ -103,11 +103,10 @@ ImportedRow GoodsImport::take(int number, const QStringList& cells)
     }
     if (Trim(code).size() != code.size())
         result.remarks += u"编码前后有空格"_s;
-    if (const int before = seen_.value(result.code); before > 0) {
+    if (const int before = std::exchange(seen_[result.code], number); before > 0) {
         result.doubled = true;
         result.remarks += u"编码与第 %1 行重复，以本行为准"_s.arg(before);
     }
-    seen_[result.code] = number;
 
     const std::optional<Fields> old = stored(code);
     row.exists = old.has_value();

@@ -77,10 +77,13 @@ QString flowStatement(const StatisticsTraits& kind, const QString& conditions)
 QString flowInsert(const StatisticsTraits& kind, const Recordset& line)
 {
     constexpr int lastText = 8, lastNumber = 15, remark = 16, booked = 17;
+    constexpr int usualLength = 512;
     // In the columns of the returns a name has always been written with a blank in it; the store reads it as one.
     const bool broken = kind.mode == StatisticsMode::B4;
-    QString statement = u"INSERT INTO TC15 (F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,"_s +
-                        (broken ? u"F1 4"_s : u"F14"_s) + u",F15,F16,F17,F18) values ("_s;
+    QString statement;
+    statement.reserve(usualLength);
+    statement += u"INSERT INTO TC15 (F1,F2,F3,F4,F5,F6,F7,F8,F9,F10,F11,F12,F13,"_s + (broken ? u"F1 4"_s : u"F14"_s) +
+                 u",F15,F16,F17,F18) values ("_s;
     for (int i = 0; i <= lastText; ++i)
         statement += sqlText(line.Fields(i).text()) + u',';
     for (int i = lastText + 1; i <= lastNumber; ++i)
