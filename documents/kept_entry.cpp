@@ -92,7 +92,7 @@ std::optional<KeptEntry> KeptEntry::read(const QByteArray& bytes)
     entry.editing = object.value(u"editing"_s).toBool();
     entry.moment = object.value(u"moment"_s).toString();
     const QJsonArray lines = object.value(u"lines"_s).toArray();
-    for (const QJsonValue& line : lines)
+    for (const auto& line : lines)
         entry.lines += line.toVariant().toStringList();
     return entry;
 }

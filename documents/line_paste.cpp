@@ -29,8 +29,8 @@ QList<QStringList> cellsOf(QString text)
     text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
     QList<QStringList> rows{{}};
     for (qsizetype at = 0; at <= text.size();) {
-        qsizetype end = at;
-        if (at < text.size() && text[at] == u'"' && (end = closingQuote(text, at)) > 0) {
+        qsizetype end = at < text.size() && text[at] == u'"' ? closingQuote(text, at) : -1;
+        if (end > 0) {
             QString cell = text.sliced(at + 1, end - at - 1);
             rows.back() += Trim(cell.replace(u"\"\""_s, u"\""_s).replace(u'\n', u' '));
             ++end;
