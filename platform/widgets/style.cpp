@@ -432,6 +432,8 @@ void apply(QApplication& application, const Look& look)
     current.dark = scheme == Scheme::Dark || (scheme == Scheme::FollowSystem &&
                                               current.systemPalette->color(QPalette::Window).lightness() < middle);
 
+    // Anew each time: with the style kept, the toolkit (6.4) reaches for widgets that are gone when it takes a new
+    // sheet.
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(makePalette());
     QFont font;
