@@ -8,7 +8,7 @@
 
 bool askBeforeClearing(const QString& question)
 {
-    return askYesNo(question, u"警告"_s);
+    return askYesNo(question, u"警告"_s, Answer::No); // one Enter too many must not clear anything
 }
 
 bool clearRecords(QStringView command, const std::function<void()>& statements)

@@ -71,6 +71,7 @@ sysDBbak::sysDBbak()
     Txt = makeEdit(u"Txt"_s, -1, EditKind::Number);
     style::fixWidth(Txt, 80);
     Txt->setText(settings_.interval);
+    Txt->setPlaceholderText(u"未启用"_s); // nothing was ever saved: no backup is made at exit
     Txt->setAccessibleName(u"自动备份的周期天数"_s);
     Command2 = makeButton(u"Command2"_s, u"保存设置"_s, [this] { saveSettings(); });
     Labinfo = makeNote(u"Labinfo"_s, automaticNote(settings_.last));
@@ -138,7 +139,7 @@ void sysDBbak::backUpNow()
     const auto target = askTarget();
     if (!target)
         return;
-    tellTrouble({});
+    tellOutcome({});
     const QScopedValueRollback working(working_, true); // what is clicked meanwhile finds no ledger
     bool done = false;
     {
@@ -150,17 +151,17 @@ void sysDBbak::backUpNow()
             done = true;
         } catch (const StoreError& error) {
             if (error.kind() != StoreError::Kind::Locked) // the box knows that reason only
-                tellTrouble(u"    没有完成的原因："_s + error.details().what);
+                tellOutcome(u"    没有完成的原因："_s + error.details().what);
         }
     }
     reopenLedger();
-    if (done)
-        MsgBox(u"备份完成！请妥善保存备份文件！"_s);
-    else
-        MsgBox(u"无法完成备份！其它用户正在使用此帐本。\n请其它用户停止操作并退出系统后才可以备份！"_s);
+    if (!done)
+        return MsgBox(u"无法完成备份！其它用户正在使用此帐本。\n请其它用户停止操作并退出系统后才可以备份！"_s);
+    tellOutcome(u"    已备份到："_s + *target);
+    MsgBox(u"备份完成！请妥善保存备份文件！"_s);
 }
 
-void sysDBbak::tellTrouble(const QString& text)
+void sysDBbak::tellOutcome(const QString& text)
 {
     showNote(LabTrouble, text);
     LabTrouble->setVisible(!text.isEmpty());

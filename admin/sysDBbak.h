@@ -21,9 +21,10 @@ public:
     /// @throws StoreError when the ledger can't be opened again
     void backUpNow();
 
-    QLineEdit* Txt = nullptr;        ///< days between the automatic backups
-    QLabel* Labinfo = nullptr;       ///< how the automatic backup works, where it goes, when it was last made
-    QLabel* LabTrouble = nullptr;    ///< why the last backup by hand failed, unless the ledger was just in use
+    QLineEdit* Txt = nullptr;  ///< days between the automatic backups
+    QLabel* Labinfo = nullptr; ///< how the automatic backup works, where it goes, when it was last made
+    /// Where the last backup by hand went, or why it failed unless the ledger was just in use.
+    QLabel* LabTrouble = nullptr;
     QPushButton* Command1 = nullptr; ///< back
     QPushButton* Command2 = nullptr; ///< saves the settings
     QPushButton* Command3 = nullptr; ///< backs up now
@@ -34,7 +35,7 @@ protected:
 
 private:
     std::optional<QString> askTarget();
-    void tellTrouble(const QString& text);
+    void tellOutcome(const QString& text);
 
     BackupSettings settings_;
     bool working_ = false; ///< the ledger is closed for the moment

@@ -40,7 +40,8 @@ Listing stockListing(C1::Price price)
             .filter = {},
             // The last two are of the cost, whatever price is shown.
             .orders = {u"TA4.F1"_s, u"TA4.F3"_s, u"TA4.F8"_s, u"TA4.F7"_s, u"TA4.F7*TA4.F8"_s},
-            .stretched = 1};
+            .stretched = 1,
+            .none = u"没有货品。"_s};
 }
 
 } // namespace
@@ -83,6 +84,7 @@ C1::C1(Mode mode)
     addBarcodeCommand();
     addReturnCommand();
     QMenu* views = addCommandMenu(u"Menu_V"_s, u"&V.查看"_s);
+    connect(GD, &Grid::activatedRow, this, [this] { runCommand([this] { Menu_card(); }); });
     addListCommand(views, u"Menu_card"_s, u"&1.货品卡片"_s, [this] { Menu_card(); });
     addListCommand(views, u"Menu_flow"_s, u"&2.货品进出图"_s, [this] { Menu_flow(); });
     addListCommand(views, u"Menu_share"_s, u"&3.库存构成图"_s, [] { theForm<StockChart>().Show(); });
@@ -102,6 +104,7 @@ void C1::start(Mode mode)
     }
     Listing opening = stockListing(Price::Sale);
     opening.condition = u"TA4.F8<>0"_s;
+    opening.none = u"现在没有库存的货品。单据审核之后，库存才会变化。"_s;
     opening.top = 1800;
     list(std::move(opening));
 }
@@ -118,6 +121,7 @@ void C1::Menu_Bellow()
     Listing alarm = stockListing(Price::Sale);
     alarm.caption = u"库存报警：低于安全库存的货品"_s;
     alarm.condition = u"TA4.F8<TA4.V1"_s;
+    alarm.none = u"没有货品低于安全库存，也就是[货品编码资料]中设的“最低库存”。"_s;
     alarm.order = listing().order;
     alarm.top = 1000;
     list(std::move(alarm));
@@ -128,6 +132,7 @@ void C1::Menu_Morethan()
     Listing alarm = stockListing(Price::Sale);
     alarm.caption = u"库存报警：高于最高库存的货品"_s;
     alarm.condition = u"TA4.F8>TA4.V2 and TA4.V2<>0"_s; // 0 means no upper limit
+    alarm.none = u"没有货品高于[货品编码资料]中设的“最高库存”，0 表示不限。"_s;
     alarm.order = listing().order;
     alarm.top = 1000;
     list(std::move(alarm));
@@ -139,6 +144,8 @@ void C1::Menu_Price(Price price)
         return;
     Listing all = stockListing(price);
     all.filter = listing().filter;
+    if (!all.filter.isEmpty())
+        all.none = listing().none;
     all.order = listing().order;
     list(std::move(all));
 }

@@ -24,10 +24,10 @@ constexpr int stepsOfKind = 1000;
 Listing flowListing()
 {
     const auto money = [](const QString& caption, const QString& field, bool summed) {
-        return ListColumn{caption, 78, field, ListContent::Money, summed};
+        return ListColumn{caption, 70, field, ListContent::Money, summed};
     };
     const auto quantity = [](const QString& caption, const QString& field, bool summed) {
-        return ListColumn{caption, 66, field, ListContent::Quantity, summed};
+        return ListColumn{caption, 56, field, ListContent::Quantity, summed};
     };
     return {.caption = u"货品进出流水帐"_s,
             .statusName = u"货品进出流水帐"_s,
@@ -56,7 +56,8 @@ Listing flowListing()
             .orders = {u"F1"_s, u"F2"_s, u"F3"_s, u"F5"_s, u"F6"_s, u"F11 desc"_s, u"F13 desc"_s, u"F12 desc"_s,
                        u"F14 desc"_s, u"F18"_s},
             .stretched = 6,
-            .numbers = NumberStyle::FivePlaces};
+            .numbers = NumberStyle::FivePlaces,
+            .none = FlowFilter::none(false)};
 }
 
 /// The lines of one kind of document, drafts among them.
@@ -173,6 +174,7 @@ C15::C15()
     addListCommand(prints, u"menu_P02"_s, u"&2.货品进出金额明细"_s, [this] { menu_P02(); });
     addBarcodeCommand();
     addReturnCommand();
+    openDocumentsOf([] { return QList{DocumentKind::B1, DocumentKind::B3, DocumentKind::D1, DocumentKind::D3}; });
     readSettings();
     shown_ = choice();
     empty(flowListing()); // the rows in the table may be another operator's
@@ -223,8 +225,10 @@ void C15::generate()
     }
     Listing next = flowListing();
     next.order = listing().order;
+    next.none = FlowFilter::none(true);
     list(std::move(next));
     shown_ = asked;
+    goToList();
 }
 
 void C15::cancel()

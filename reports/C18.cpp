@@ -43,7 +43,8 @@ Listing quantityListing(const std::optional<FlowChoice>& choice, C18::Price pric
                     return {}; // nothing has been asked for yet
                 return quantityReport({choice->from, choice->to, choice->category, choice->goods,
                                        listing.columns[reportPriceColumn].expression, listing.orders[listing.order]});
-            }};
+            },
+            .none = FlowFilter::none(choice.has_value())};
 }
 
 } // namespace
@@ -84,8 +85,10 @@ void C18::report(const std::optional<FlowChoice>& choice, Price price)
 
 void C18::generate()
 {
-    if (requireRight(listing().right))
-        report(filter_->choice(), price());
+    if (!requireRight(listing().right))
+        return;
+    report(filter_->choice(), price());
+    goToList();
 }
 
 void C18::Menu_price(Price price)

@@ -155,11 +155,12 @@ void C181::buildContent()
         {.caption = u"成本均价"_s, .width = 64, .kind = ColumnKind::Number, .group = u"货品属性"_s}};
     for (const QStringView group :
          {u"年初余额", u"上期结存", u"本期入库", u"入库累计", u"本期出库", u"出库累计", u"本期结存"}) {
-        columns += {.caption = u"数量"_s, .width = 62, .kind = ColumnKind::Number, .group = group.toString()};
-        columns += {.caption = u"金额"_s, .width = 80, .kind = ColumnKind::Number, .group = group.toString()};
+        columns += {.caption = u"数量"_s, .width = 54, .kind = ColumnKind::Number, .group = group.toString()};
+        columns += {.caption = u"金额"_s, .width = 72, .kind = ColumnKind::Number, .group = group.toString()};
     }
     GD->setColumns(columns);
     GD->rememberWidths(Name() + u"/GD"_s);
+    GD->setEmptyNote(u"选好一期，再按[生成报表]或[打开报表]。"_s);
     connect(GD, &Grid::currentRowChanged, this, &C181::updateStatus);
 
     body_ = new QWidget;
@@ -249,6 +250,8 @@ void C181::generateOrOpen()
         generate();
     else
         open(chosenNumber(), {});
+    if (!empty())
+        GD->setFocus(); // the figures are to be read before they are saved
 }
 
 void C181::saveOrDelete()
@@ -358,6 +361,7 @@ void C181::save()
     LoadYearStart();
     setCommandVisible(command(u"Menu_Query"_s), true);
     MsgBox(u"保存成功！"_s);
+    GD->setFocus(); // the button that was pressed deletes from now on
 }
 
 void C181::remove()
@@ -376,8 +380,9 @@ void C181::removeLastYears()
         return MsgBox(u"您选择的是上一年度的报表，您无权删除！\n只有最高权限帐户“001”才可以执行本操作！"_s);
     if (!askYesNo(u"您选择的是上一年度的报表，不能单个删除！\n只能同时删除 "_s + yearStart_ +
                       u" 之前的所有报表！\n\n确认要执行此操作吗？ ",
-                  u"警告"_s) ||
-        !askYesNo(u"您选择了删除 "_s + yearStart_ + u" 之前的所有报表！\n\n请最后确认真的要执行此操作吗？ ", u"警告"_s))
+                  u"警告"_s, Answer::No) ||
+        !askYesNo(u"您选择了删除 "_s + yearStart_ + u" 之前的所有报表！\n\n请最后确认真的要执行此操作吗？ ", u"警告"_s,
+                  Answer::No))
         return;
     clearReport();
     gDB.Execute(u"delete * from jxc where SortNo<0"_s);
@@ -488,6 +493,7 @@ void C181::Menu_FangFa(ClosingMethod method)
     method_ = method;
     showState();
     MsgBox(u"点击“生成报表”，系统就会"_s + Mid(commandCaption(methods_[int(method)]), 4) + u'!');
+    Cmd->setFocus();
 }
 
 void C181::Menu_updTA4F7()

@@ -32,7 +32,8 @@ Listing gainsListing()
             // The first is the opening order, which no menu item reaches. The second sorts by the stock-taker, though
             // its item speaks of the date.
             .orders = {u"TC2.F2"_s, u"TC2.F3"_s, u"TC21.F1"_s, gain, u"TC21.F7"_s, amount},
-            .stretched = 4};
+            .stretched = 4,
+            .none = u"今天没有已审核的盘点单。要看其它日期的，请按[查找]（Alt+Q）。"_s};
 }
 
 } // namespace
@@ -44,6 +45,7 @@ C3::C3()
     addSortMenu(1, {u"&1.按盘点日期", u"&2.按货品编码", u"&3.按盈亏数量", u"&4.按核算价格", u"&5.按盈亏金额"});
     addPrintMenu([this] { Menu_print1(); }, [this] { Menu_print2(); });
     addReturnCommand();
+    openDocumentsOf([] { return QList{DocumentKind::C2}; });
     list(gainsListing());
 }
 

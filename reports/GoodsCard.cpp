@@ -112,7 +112,7 @@ bool GoodsCard::read(const QString& code, bool allDays)
     if (allDays) { // to the last document, of which some may be dated ahead
         const QDate last = found->movements.isEmpty() ? QDate() : found->movements.last().day;
         DTP[0]->setText(dateText(found->yearStart.isValid() ? found->yearStart : Today()));
-        DTP[1]->setText(dateText(std::max(last, Today())));
+        DTP[1]->setText(dateText(std::max({last, Today(), found->yearStart})));
         if (const auto& all = found->movements;
             !found->yearStart.isValid() && !all.isEmpty() && all.first().day.isValid())
             DTP[0]->setText(all.first().dayText);

@@ -3,6 +3,8 @@
 #include "platform/base/clock.h"
 #include "platform/base/dialogs.h"
 
+#include <algorithm>
+
 namespace {
 
 QString monthText(QDate month)
@@ -16,6 +18,8 @@ GoodsChart::GoodsChart()
     : ChartForm(formName())
 {
     addChartCommands();
+    steps_[0] = addListCommand(nullptr, u"Menu_back"_s, u"&B.前十二个月"_s, [this] { Menu_step(-1); });
+    steps_[1] = addListCommand(nullptr, u"Menu_forth"_s, u"&N.后十二个月"_s, [this] { Menu_step(1); });
     empty(monthly());
 }
 
@@ -27,12 +31,31 @@ void GoodsChart::open(const QString& code)
         return MsgBox(u"请先选一种货品。"_s);
     auto& form = theForm<GoodsChart>();
     form.code_ = code;
+    form.yearsBack_ = 0;
     form.list(form.monthly());
     if (!form.history_) {
         form.Unload();
         return MsgBox(u"没有编码为“"_s + code + u"”的货品。"_s);
     }
     form.Show();
+}
+
+bool GoodsChart::canStep(int years) const
+{
+    if (!history_ || months_.isEmpty())
+        return false;
+    const QDate first = months_.first().first;
+    return years > 0 ? yearsBack_ > 0
+                     : std::any_of(history_->movements.begin(), history_->movements.end(),
+                                   [&](const GoodsMovement& each) { return each.day.isValid() && each.day < first; });
+}
+
+void GoodsChart::Menu_step(int years)
+{
+    if (!canStep(years))
+        return;
+    yearsBack_ -= years;
+    list(monthly());
 }
 
 Listing GoodsChart::monthly()
@@ -56,7 +79,7 @@ Listing GoodsChart::monthly()
             .orders = {QString()},
             .compute = [this](const Listing&) {
                 history_ = goodsHistory(code_);
-                months_ = history_ ? goodsMonths(*history_, Today()) : QList<GoodsMonth>();
+                months_ = history_ ? goodsMonths(*history_, Today().addYears(-yearsBack_)) : QList<GoodsMonth>();
                 QList<QList<Value>> records;
                 for (const GoodsMonth& month : std::as_const(months_))
                     records +=
@@ -98,4 +121,12 @@ ChartContent GoodsChart::chart() const
 ChartForm::Paper GoodsChart::paper() const
 {
     return {u"Ptujc.rpt"_s, u"货品进出图"_s, about()};
+}
+
+void GoodsChart::showState()
+{
+    ChartForm::showState();
+    const bool allowed = hasRight(listing().right);
+    steps_[0]->setEnabled(allowed && canStep(-1));
+    steps_[1]->setEnabled(allowed && canStep(1));
 }

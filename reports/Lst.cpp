@@ -6,6 +6,7 @@
 #include "reports/grid_rows.h"
 #include "reports/printing.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace {
@@ -34,16 +35,17 @@ Listing statisticsListing(const StatisticsTraits& kind)
                         {u"所属类别编码"_s, 92, u"TA4.F3"_s},
                         {u"所属类别"_s, 76, u"TA3.F2"_s},
                         {u"单位"_s, 44, u"TA4.F4"_s},
-                        {u"数量"_s, 76, line + u".F6"_s, ListContent::Quantity, true},
-                        {u"价格"_s, 76, line + u".F7"_s, ListContent::Money},
-                        {u"金额"_s, 90, amount, ListContent::Money, true},
+                        {u"数量"_s, 60, line + u".F6"_s, ListContent::Quantity, true},
+                        {u"价格"_s, 64, line + u".F7"_s, ListContent::Money},
+                        {u"金额"_s, 78, amount, ListContent::Money, true},
                         {u"备注"_s, 90, line + u".F8"_s}},
             .from = u"(%1 left join %2 on %1.F3=%2.F1) left join (%3 left join (TA4 left join TA3 on TA4.F3=TA3.F1) "
                     "on %3.F1=TA4.F1) on %3.F0=%1.F1"_s.arg(header, partner, line),
             .condition = u"(%1.F6 is not Null) and %1.F6<>''"_s.arg(header),
             .filter = u"datediff('d',"_s + sqlText(todayText()) + u',' + header + u".F2 ) = 0"_s,
             .orders = {header + u".F2"_s, header + u".F3"_s, line + u".F1"_s, line + u".F6"_s, line + u".F7"_s, amount},
-            .stretched = 6};
+            .stretched = 6,
+            .none = u"今天没有已审核的%1单。要看其它日期的，请按[查找]（Alt+Q）。"_s.arg(kind.word)};
 }
 
 } // namespace
@@ -66,6 +68,10 @@ Lst::Lst(StatisticsMode mode)
                     u"&6.按发生金额"});
     addPrintMenu([this] { Menu_print1(); }, [this] { Menu_print2(); });
     addReturnCommand();
+    openDocumentsOf([this] {
+        const auto kind = std::ranges::find(documentTraits, traitsOf(mode_).header, &DocumentTraits::header);
+        return QList{kind->kind};
+    });
     start(mode);
 }
 

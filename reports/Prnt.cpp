@@ -1,5 +1,6 @@
 #include "reports/Prnt.h"
 
+#include "platform/base/clock.h"
 #include "platform/base/desktop.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/files.h"
@@ -17,6 +18,7 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QStandardPaths>
 
 #include <climits>
 
@@ -25,6 +27,7 @@ namespace {
 constexpr QStringView settingsSection = u"Prnt";
 constexpr QStringView zoomKey = u"Zoom"; ///< "width", "page" or a percentage
 constexpr QStringView printerKey = u"Printer";
+constexpr QStringView folderKey = u"Folder"; ///< that of the last export
 constexpr int percents[] = {50, 75, 100, 125, 150, 200, 300};
 constexpr QSize roomForWindow(40, 60); ///< the caller's window shows around the preview
 
@@ -110,6 +113,8 @@ void Prnt::buildBar()
         u"Cmd"_s, u"<- 帮 助"_s, [this] { help(); }, -1, ButtonLook::Compact);
     L = makeBadge(u"L"_s);
     setBadge(L, u"对不起，您的电脑没有安装打印机!"_s, BadgeLook::Warning);
+    LabDone = makeBadge(u"LabDone"_s);
+    LabDone->hide();
 
     const auto gap = [] {
         auto* widget = new QWidget;
@@ -124,6 +129,7 @@ void Prnt::buildBar()
                                   CmdFindPrev, CmdFindNext, LabFind,
                                   nullptr,     Cmd}));
     content()->addWidget(L);
+    content()->addWidget(LabDone);
 }
 
 QString Prnt::run()
@@ -161,19 +167,37 @@ void Prnt::Menu_set()
         Cry.Job.printer = job->printer;
         SaveSetting(gProgramName, settingsSection.toString(), printerKey.toString(), job->printer);
     }
+    tellDone({});
     const PrintJob kept = std::exchange(Cry.Job, *job);
     Cry.Destination = ReportControl::toPrinter;
     const QString failure = Cry.setAction(1);
     Cry.Job = kept;
     if (!failure.isEmpty())
-        MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
+        return MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
+    tellDone(job->file.isEmpty() ? u"已送往打印机“"_s + job->printer + u"”。"_s : u"已保存到："_s + job->file);
+}
+
+/// The dialogs leave nothing behind that would tell whether it came off. "" for a command that has only begun.
+void Prnt::tellDone(const QString& text)
+{
+    setBadge(LabDone, text, BadgeLook::Good);
+    LabDone->setVisible(!text.isEmpty());
+}
+
+void Prnt::tellSaved(const QString& path)
+{
+    SaveSetting(gProgramName, settingsSection.toString(), folderKey.toString(), folderOf(path));
+    tellDone(u"已保存到："_s + path);
 }
 
 /// Where to, or "" when the operator thought better of it.
 QString Prnt::exportPath(const QString& title, const QString& filter, QStringView extension)
 {
     const QString name = Trim(Cry.report()->title());
-    const auto chosen = saveFileDialog(title, filter, (name.isEmpty() ? u"报表"_s : name) + extension);
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString folder = GetSetting(gProgramName, settingsSection.toString(), folderKey.toString(), documents);
+    const auto chosen = saveFileDialog(
+        title, filter, withSeparator(folder) + (name.isEmpty() ? u"报表"_s : name) + u' ' + todayText() + extension);
     if (!chosen)
         return {};
     if (fileExists(*chosen) && !askYesNo(u"文件 %1 已经存在，要替换它吗？"_s.arg(fileNameOf(*chosen))))
@@ -187,9 +211,11 @@ void Prnt::Menu_pdf()
     if (path.isEmpty())
         return;
     const BusyPointer busy;
+    tellDone({});
     if (!Cry.report()->toPdf(path))
-        MsgBox(u"文件 %1 不能写入。请检查文件夹是否存在、文件是否正被别的程序打开。"_s.arg(path), u"提示"_s,
-               BoxIcon::Exclamation);
+        return MsgBox(u"文件 %1 不能写入。请检查文件夹是否存在、文件是否正被别的程序打开。"_s.arg(path), u"提示"_s,
+                      BoxIcon::Exclamation);
+    tellSaved(path);
 }
 
 void Prnt::Menu_xls()
@@ -199,8 +225,10 @@ void Prnt::Menu_xls()
     if (path.isEmpty())
         return;
     const BusyPointer busy;
+    tellDone({});
     if (const QString failure = writeTable(path, Cry.report()->table()); !failure.isEmpty())
-        MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
+        return MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
+    tellSaved(path);
 }
 
 void Prnt::help()

@@ -39,7 +39,8 @@ public:
     void findPrevious();
 
     QPushButton* Cmd = nullptr;
-    QLabel* L = nullptr; ///< shown where no printer is installed
+    QLabel* L = nullptr;       ///< shown where no printer is installed
+    QLabel* LabDone = nullptr; ///< where the pages have gone to, once they have
     PageView* View = nullptr;
     QPushButton* CmdFirst = nullptr;
     QPushButton* CmdPrev = nullptr;
@@ -73,6 +74,8 @@ private:
     void chooseZoom();
     void find(int step);
     void loadZoom();
+    void tellDone(const QString& text);
+    void tellSaved(const QString& path);
     QString exportPath(const QString& title, const QString& filter, QStringView extension);
 
     struct Hit

@@ -68,7 +68,7 @@ Listing StockChart::byCategory()
                     {u"货品种数"_s, 68, {}, ListContent::Quantity, true},
                     {u"库存数量"_s, 80, {}, ListContent::Quantity, true},
                     {u"成本金额"_s, 100, {}, ListContent::Money, true},
-                    {u"占比%"_s, 56, {}, ListContent::Quantity}},
+                    {u"占比%"_s, 56, {}, ListContent::Percent}},
         .from = {},
         .condition = {},
         .filter = {},

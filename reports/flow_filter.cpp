@@ -53,6 +53,12 @@ FlowChoice FlowFilter::choice()
             Txt->text() == allGoods ? QString() : Txt->text()};
 }
 
+QString FlowFilter::none(bool asked)
+{
+    return asked ? u"这段日期、这些条件下没有数据。换一个条件，再按[生成报表]。"_s
+                 : u"选好日期和条件，再按[生成报表]。"_s;
+}
+
 void FlowFilter::chooseCategory(const QString& words)
 {
     Comb->setCurrentIndex(qMax(Comb->findText(words, Qt::MatchExactly | Qt::MatchCaseSensitive), 0));

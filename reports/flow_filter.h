@@ -37,6 +37,8 @@ public:
 
     /// An empty field for the goods asks for all, and says so from then on.
     FlowChoice choice();
+    /// What a report without rows says, before and after it was asked for.
+    static QString none(bool asked);
     /// The category whose list entry reads so, or all.
     void chooseCategory(const QString& words);
 

@@ -1,6 +1,8 @@
 #include "reports/list_form.h"
 
+#include "documents/document_opening.h"
 #include "ledger/Module1.h"
+#include "ledger/literal.h"
 #include "platform/base/dialogs.h"
 #include "platform/base/number.h"
 #include "platform/base/status.h"
@@ -35,6 +37,8 @@ QString listCellText(const Listing& listing, qsizetype column, const Value& valu
         return quantityText(value.number());
     case ListContent::Money:
         return Format(value.number(), gPriceFormat);
+    case ListContent::Percent:
+        return Format(value.number(), u"#0.0");
     case ListContent::Text:
     case ListContent::Date:
         break;
@@ -164,6 +168,24 @@ void ListForm::addReturnCommand(const QString& name)
     addCommand(name, u"&R.返回"_s, [this] { Menu_Return(); });
 }
 
+void ListForm::openDocumentsOf(std::function<QList<DocumentKind>()> kinds)
+{
+    connect(GD, &Grid::activatedRow, this, [this, kinds = std::move(kinds)](int row) {
+        runCommand([&] {
+            if (row > count_ || !requireRight(listing_.right))
+                return;
+            const QString number = GD->TextMatrix(row, 0);
+            const QString condition =
+                u" where F1="_s + sqlText(number) + u" and F2="_s + sqlText(GD->TextMatrix(row, 1));
+            const QList<DocumentKind> asked = kinds();
+            for (const DocumentKind kind : asked)
+                if (LookupValue(gDB, u"select F1 from "_s + traitsOf(kind).header + condition) != u"NoFound")
+                    return showDocument(kind, number);
+            showDocument(asked.first(), number); // which tells that it has gone
+        });
+    });
+}
+
 void ListForm::addBarcodeCommand()
 {
     QAction* barcodes = addCommand(u"Menu_T"_s, u"&T.打印条码"_s, {});
@@ -209,9 +231,16 @@ void ListForm::show(Listing&& next, QList<QStringList> rows)
     } else {
         GD->clearRows();
     }
+    GD->setEmptyNote(listing_.none);
     GD->select(1);
     updateStatus();
     showState();
+}
+
+void ListForm::goToList()
+{
+    if (count_ > 0)
+        GD->setFocus();
 }
 
 void ListForm::refresh()
@@ -279,6 +308,7 @@ void ListForm::Menu_query()
         return;
     Listing next = listing_;
     next.filter = bracketedConditionOf(PubSql);
+    next.none = u"没有符合条件的记录。按[查找]（Alt+Q）可以换一个条件。"_s;
     list(std::move(next));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "documents/document_kind.h"
 #include "platform/widgets/form.h"
 #include "reports/Query.h"
 #include "shell/session.h"
@@ -7,7 +8,7 @@
 class Grid;
 class QLabel;
 
-enum class ListContent { Text, Date, Quantity, Money };
+enum class ListContent { Text, Date, Quantity, Money, Percent };
 
 /// How a list writes its numbers. Usual: quantities to three places at most, money by the decimals setting. FivePlaces:
 /// all as they were booked, to five places at most.
@@ -41,6 +42,8 @@ struct Listing
     NumberStyle numbers = NumberStyle::Usual;
     /// Works the records out, one value a column, in `orders[order]`; the statement is not used then.
     std::function<QList<QList<Value>>(const Listing&)> compute = {};
+    /// What an empty list says below its one empty row: why there is nothing, and what to do.
+    QString none = {};
 
     QString statement() const;
 };
@@ -71,6 +74,9 @@ protected:
     /// The two prints that document lists have.
     void addPrintMenu(std::function<void()> ledger, std::function<void()> summary);
     void addReturnCommand(const QString& name = u"Menu_Return"_s);
+    /// Enter, or a double click, opens the document of a record, whose number and date stand in its first two cells.
+    /// @param kinds asked anew each time; where two have such a document, the first one's
+    void openDocumentsOf(std::function<QList<DocumentKind>()> kinds);
     /// The item for barcodes, which the system doesn't print: it stands hidden.
     void addBarcodeCommand();
 
@@ -84,6 +90,9 @@ protected:
     void list(Listing next);
     /// Takes the list over without reading it and shows no record: for an operator who may not see what was read.
     void empty(Listing next);
+
+    /// The keys are the list's from now on, if it has something to read: what was asked for stands there.
+    void goToList();
 
     virtual QList<QueryField> queryFields() const;
     virtual QString queryCaption() const { return u"查找条件"_s; }

@@ -176,16 +176,20 @@ private slots:
 
     void writtenAndReadAgain()
     {
-        const TableContent table{.sheet = u"货品/编码[1]: "_s + QString(40, u'长'),
-                                 .captions = {u"编码"_s, u"数量"_s, u"说明"_s},
-                                 .numeric = {false, true, false},
-                                 .rows = {{u"00123"_s, u"1234.50"_s, u"=1+1"_s},
-                                          {u"12"_s, u"-0.5"_s, u"http://x 引号\" 换行\n<&> 行"_s},
-                                          {u"1E5"_s, u"007"_s, u"_x0041_"_s},
-                                          {u""_s, u"12345678901234567890"_s, u"\U00020000"_s},
-                                          {u""_s, u"*"_s}}};
+        const TableContent table{
+            .sheet = u"货品/编码[1]: "_s + QString(40, u'长'),
+            .captions = {u"编码"_s, u"数量"_s, u"说明"_s},
+            .numeric = {false, true, false},
+            .rows = {{u"00123"_s, u"1234.50"_s, u"=1+1"_s},
+                     {u"12"_s, u"-0.5"_s, u"http://x 引号\" 换行\n<&> 行"_s},
+                     {u"1E5"_s, u"007"_s, u"_x0041_"_s},
+                     {u""_s, u"12345678901234567890"_s, u"\U00020000"_s},
+                     {u""_s, u"*"_s}},
+            .picture = QByteArray::fromBase64(
+                "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR4nGNgAAAAAgABSK+kcQAAAABJRU5ErkJggg==")};
         const QString file = path(u"out.XLSX"_s);
         QCOMPARE(writeTable(file, table), QString());
+        QVERIFY(readBytes(file).contains("xl/media/image1.png"));
         const SheetNames sheets = sheetNames(file);
         QCOMPARE(sheets.names, QStringList{u"货品编码1 "_s + QString(25, u'长')});
         QList<QStringList> expected = table.rows;

@@ -15,6 +15,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <climits>
 #include <functional>
 
 namespace play {
@@ -91,11 +92,18 @@ void makeFolderOf(const QString& path)
         fail(u"the folder of "_s + path, u"a failure to make it"_s);
 }
 
+int distance(QRgb one, QRgb other)
+{
+    return std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
+           std::abs(qBlue(one) - qBlue(other));
+}
+
 /// A window has few colours besides a photograph: its picture with 256 of them is a third as large, and looks the same.
 QImage withFewColours(const QImage& picture)
 {
     constexpr qsizetype most = 256;
-    constexpr double enough = 0.97; // of the dots, exactly as they are
+    constexpr qsizetype frequent = 232; // the others are those farthest off: a figure in red is few dots
+    constexpr double enough = 0.97;     // of the dots, exactly as they are
     const QImage image = picture.convertToFormat(QImage::Format_RGB32);
     QHash<QRgb, int> dots;
     for (int y = 0; y < image.height(); ++y)
@@ -105,7 +113,19 @@ QImage withFewColours(const QImage& picture)
     QList<QRgb> colours = dots.keys();
     std::ranges::sort(colours, std::ranges::greater(),
                       [&dots](QRgb colour) { return std::pair(dots[colour], colour); });
-    colours.resize(std::min(most, colours.size()));
+    QList<std::pair<int, QRgb>> rare; // with the distance to the nearest colour that stays
+    for (const QRgb colour : colours.mid(frequent))
+        rare += {INT_MAX, colour};
+    colours.resize(std::min(frequent, colours.size()));
+    for (qsizetype i = 0; i < colours.size(); ++i) {
+        for (auto& [nearest, colour] : rare)
+            nearest = std::min(nearest, distance(colour, colours[i]));
+        if (i + 1 == colours.size() && colours.size() < most && !rare.isEmpty()) {
+            const auto farthest = std::ranges::max_element(rare);
+            colours += farthest->second;
+            rare.erase(farthest);
+        }
+    }
     qint64 exact = 0;
     QHash<QRgb, uchar> places;
     for (qsizetype i = 0; i < colours.size(); ++i) {
@@ -117,10 +137,7 @@ QImage withFewColours(const QImage& picture)
     const auto placeOf = [&](QRgb colour) {
         if (const auto known = places.constFind(colour); known != places.constEnd())
             return *known;
-        const auto far = [colour](QRgb other) {
-            return std::abs(qRed(colour) - qRed(other)) + std::abs(qGreen(colour) - qGreen(other)) +
-                   std::abs(qBlue(colour) - qBlue(other));
-        };
+        const auto far = [colour](QRgb other) { return distance(colour, other); };
         return places[colour] = uchar(std::ranges::min_element(colours, {}, far) - colours.begin());
     };
     QImage result(image.size(), QImage::Format_Indexed8);

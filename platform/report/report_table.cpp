@@ -1,5 +1,6 @@
 #include "platform/report/report.h"
 
+#include <QBuffer>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -131,6 +132,7 @@ public:
         for (int inner = groups - 1; count_ > 0 && inner >= 0; --inner)
             addBand(layout_.groups[inner].footer, count_ - 1);
         addBand(layout_.summary, count_ - 1);
+        addPicture();
         return std::move(table_);
     }
 
@@ -235,6 +237,25 @@ private:
                 cells[free] = label;
         if (std::any_of(cells.begin(), cells.end(), [](const QString& cell) { return !cell.isEmpty(); }))
             table_.rows += cells;
+    }
+
+    /// The picture of the head, as large as it is on paper.
+    void addPicture()
+    {
+        for (const ReportItem& item : layout_.reportHeader.items) {
+            QImage picture = item.kind == Kind::Picture ? report_.pictures_.value(item.name.toLower()) : QImage();
+            if (picture.isNull())
+                continue;
+            const QSizeF shown = QSizeF(picture.size()).scaled(item.place.size(), Qt::KeepAspectRatio);
+            constexpr double tenthsOfMetre = 10'000; // of a millimetre
+            const int dots = qRound(picture.width() * tenthsOfMetre / shown.width());
+            picture.setDotsPerMeterX(dots);
+            picture.setDotsPerMeterY(dots);
+            QBuffer bytes(&table_.picture);
+            bytes.open(QIODevice::WriteOnly);
+            picture.save(&bytes, "png");
+            return;
+        }
     }
 
     /// The first column that the sums leave free, and that takes texts if there is one; -1 for none.

@@ -420,6 +420,11 @@ void DatePicker::pick()
 
 void DatePicker::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        QDateEdit::keyPressEvent(event);
+        setCurrentSection(DaySection); // the last one: a Tab from the others would only lead to the next
+        return moveOn(this);
+    }
     const bool drops =
         event->key() == Qt::Key_F4 || (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier));
     if (!drops) {

@@ -92,7 +92,7 @@ private:
 /// Controls side by side on the common spacing; a null stands for the stretch.
 QHBoxLayout* makeRow(std::initializer_list<QWidget*> widgets);
 
-/// A date picker. F4 drops its calendar down, a click on a day picks it.
+/// A date picker. F4 drops its calendar down, a click on a day picks it; Enter takes what was typed and moves on.
 class DatePicker : public QDateEdit
 {
     Q_OBJECT

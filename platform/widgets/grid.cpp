@@ -6,6 +6,7 @@
 #include "platform/base/files.h"
 #include "platform/base/number.h"
 #include "platform/base/status.h"
+#include "platform/widgets/controls.h"
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid_settings.h"
 #include "platform/widgets/style.h"
@@ -287,6 +288,12 @@ QString tabbedLine(QStringList cells)
     return cells.join(u'\t') + u'\n';
 }
 
+/// What a cell needs beside its text, the line at its end included.
+int cellMargins(const QWidget& grid)
+{
+    return 2 * (grid.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &grid) + 1) + 1;
+}
+
 constexpr int numbersWidth = 38; ///< of the row numbers, up to 9999; more digits widen it
 
 } // namespace
@@ -432,11 +439,14 @@ void Grid::dress()
     for (int column = 0; column < columns_.size(); ++column)
         setColumnWidth(column, style::scaled(columns_[column].width));
     fitStretch();
-    if (pinned)
+    if (pinned) {
         pinTotals();
-    else
+    } else {
+        fitToRows();
         applyNarrowing();
+    }
     placeEditor();
+    placeNote();
 }
 
 void Grid::setColumns(const QList<GridColumn>& columns)
@@ -463,6 +473,7 @@ void Grid::setRows(QList<QStringList> rows)
     dropEdit();
     showAllRows();
     model_->setRows(std::move(rows));
+    fitToRows();
     applyNarrowing();
 }
 
@@ -586,18 +597,84 @@ void Grid::pinTotals()
     setRowHidden(last, true);
     totals_->pinned = true;
     totals_->row = model_->index(last, 0);
-    widenForTotals();
+    fitToRows();
     if (!words_.isEmpty())
         applyNarrowing(); // which took them for a row
     updateGeometries();
 }
 
-/// A sum that is cut off reads as another one.
-void Grid::widenForTotals()
+/// A number that is cut off reads as another one, so its column grows in any case; those of texts where there is room.
+void Grid::fitToRows()
 {
-    for (int column = 0; column < Cols() && totals_->pinned; ++column)
+    for (int column = 0; column < Cols() && (list_ || totals_->pinned); ++column)
         if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
-            setColumnWidth(column, std::max(columnWidth(column), totals_->widthOf(column)));
+            setColumnWidth(column, std::max({columnWidth(column), list_ ? widthOfFigures(column) : 0,
+                                             totals_->pinned ? totals_->widthOf(column) : 0}));
+    wishedWidths_.clear();
+    for (int column = 0; column < Cols() && list_; ++column)
+        wishedWidths_ += columns_[column].kind == ColumnKind::Number ? 0 : widthOfTexts(column);
+    fitStretch();
+}
+
+/// By the longest text, as if it were of digits, which are the widest characters of a number.
+int Grid::widthOfFigures(int column) const
+{
+    qsizetype longest = 0;
+    for (int row = 0; row < model_->rowCount(); ++row)
+        longest = std::max(longest, model_->text(row, column).size());
+    const QFontMetrics metrics(font());
+    return int(longest) * metrics.horizontalAdvance(u'0') + metrics.horizontalAdvance(u' ') + cellMargins(*this);
+}
+
+/// By the widest of the first rows: a long list isn't measured for a few more letters.
+int Grid::widthOfTexts(int column) const
+{
+    constexpr int measured = 500;
+    const QFontMetrics metrics(font());
+    int widest = 0;
+    for (int row = 0; row < std::min(measured, model_->rowCount()); ++row)
+        if (const QString text = model_->text(row, column); !text.isEmpty())
+            widest = std::max(widest, metrics.horizontalAdvance(u' ' + text));
+    return widest + cellMargins(*this);
+}
+
+// ---- the words of an empty list
+
+void Grid::setEmptyNote(const QString& text)
+{
+    if (!note_) {
+        note_ = makeLabel(objectName() + u"None"_s, QString());
+        note_->setParent(viewport());
+        note_->setWordWrap(true);
+        note_->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        note_->setAttribute(Qt::WA_TransparentForMouseEvents);
+        setLook(note_, LabelLook::Field);
+        for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+            connect(model_, change, this, &Grid::placeNote);
+        connect(model_, &QAbstractItemModel::modelReset, this, &Grid::placeNote);
+        connect(model_, &QAbstractItemModel::dataChanged, this, &Grid::placeNote);
+    }
+    note_->setText(text);
+    placeNote();
+}
+
+bool Grid::emptyList() const
+{
+    if (model_->rowCount() != 1)
+        return model_->rowCount() == 0;
+    const QStringList& cells = model_->texts(0);
+    return std::all_of(cells.begin(), cells.end(), [](const QString& cell) { return cell.isEmpty(); });
+}
+
+void Grid::placeNote()
+{
+    if (!note_)
+        return;
+    const bool shown = !note_->text().isEmpty() && emptyList();
+    note_->setVisible(shown);
+    setAccessibleDescription(shown ? note_->text() : QString());
+    const int room = viewport()->width() - 4 * style::spacing;
+    note_->setGeometry(2 * style::spacing, 2 * style::rowHeight(), room, qMax(0, note_->heightForWidth(room)));
 }
 
 bool Grid::totalsPinned() const
@@ -972,12 +1049,14 @@ void Grid::resizeEvent(QResizeEvent* event)
     QTableView::resizeEvent(event);
     fitStretch();
     placeEditor();
+    placeNote();
 }
 
 void Grid::scrollContentsBy(int dx, int dy)
 {
     QTableView::scrollContentsBy(dx, dy);
     placeEditor();
+    placeNote();
     if (dx != 0)
         totals_->update();
 }

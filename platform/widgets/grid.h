@@ -23,7 +23,8 @@ struct GridColumn
     int width = 100; ///< pixels with the standard font; the operator's own width is remembered over it
     ColumnKind kind = ColumnKind::Text;
     bool hidden = false;
-    bool stretch = false; ///< takes what width the others leave, but no less than its own; one column at most
+    bool stretch = false; ///< takes what width the others leave, but no less than its own; one column at most. In a
+                          ///< list texts that are cut off come first, where the operator set no other width
     QString group = {};   ///< neighbours with the same one stand under it, in a header row of its own
 };
 
@@ -67,6 +68,8 @@ public:
     void setColumnVisible(int column, bool visible);
     /// Sets the last row off and keeps it in view below the others, until rows come or go.
     void pinTotals();
+    /// What stands below the one empty row of an empty list: why there is nothing, and what to do. "" for no words.
+    void setEmptyNote(const QString& text);
 
     /// In-cell editing with the one line edit `TxtEnter` over the grid. A cell opens when it is clicked, reached by the
     /// arrows, or typed into. Enter and Tab end the edit and go to `nextCell`, Up and Down to the neighbouring row, Esc
@@ -171,7 +174,11 @@ private:
     QString ownKey() const;
     void hideColumn(int column, bool hidden);
     void showColumn(int column);
-    void widenForTotals();
+    void fitToRows();
+    int widthOfFigures(int column) const;
+    int widthOfTexts(int column) const;
+    bool emptyList() const;
+    void placeNote();
     void openColumnMenu();
     void popUpColumnMenu(const QPoint& at);
     void applyNarrowing();
@@ -195,12 +202,14 @@ private:
     GridModel* model_ = nullptr;
     Totals* totals_ = nullptr; ///< the pinned row as it is shown; the row itself is hidden meanwhile
     int fixedRows_ = 1;
+    QLabel* note_ = nullptr; ///< of `setEmptyNote`
     QList<GridColumn> columns_;
     EditState state_ = EditState::Idle;
     QPoint cell_;    ///< of the open edit: x column, y row
     QString before_; ///< the text that the edit began with
     QString widthsKey_;
     QList<int> defaultWidths_;
+    QList<int> wishedWidths_;    ///< of a list's texts, in pixels
     std::vector<bool> putAside_; ///< columns that the operator has hidden
     bool list_ = false;
     bool arranging_ = false;

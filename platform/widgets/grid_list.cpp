@@ -114,7 +114,7 @@ void Grid::arrange()
     }
     arranging_ = false;
     fitStretch();
-    widenForTotals();
+    fitToRows();
     placeEditor();
 }
 
@@ -158,7 +158,7 @@ void Grid::hideColumn(int column, bool hidden)
     if (!hidden)
         setColumnWidth(column, style::scaled(columns_[column].width));
     fitStretch();
-    widenForTotals();
+    fitToRows();
     saveWidths();
     applyNarrowing(); // only what shows is searched
 }
@@ -207,19 +207,33 @@ void Grid::fitStretch()
     if (fitting_ || arranging_)
         return;
     int stretching = -1;
-    int others = 0;
+    int room = viewport()->width();
+    const auto ownWidth = [this](int column) { return style::scaled(columns_[column].width); };
+    const auto grows = [this](int column) {
+        return column < wishedWidths_.size() && columns_[column].kind != ColumnKind::Number &&
+               columns_[column].width == defaultWidths_[column];
+    };
     for (int column = 0; column < columns_.size(); ++column) {
         if (isColumnHidden(column))
             continue;
         if (columns_[column].stretch)
             stretching = column;
-        else
-            others += columnWidth(column);
+        room -= columns_[column].stretch || grows(column) ? ownWidth(column) : columnWidth(column);
     }
     if (stretching < 0)
         return;
     fitting_ = true;
-    setColumnWidth(stretching, std::max(style::scaled(columns_[stretching].width), viewport()->width() - others));
+    const auto granted = [&](int column) {
+        const int wanted = grows(column) ? std::max(wishedWidths_[column] - ownWidth(column), 0) : 0;
+        const int more = std::clamp(room, 0, wanted);
+        room -= more;
+        return ownWidth(column) + more;
+    };
+    const int stretched = granted(stretching);
+    for (int column = 0; column < columns_.size(); ++column)
+        if (column != stretching && !isColumnHidden(column) && grows(column))
+            setColumnWidth(column, granted(column));
+    setColumnWidth(stretching, stretched + std::max(room, 0));
     fitting_ = false;
 }
 

@@ -84,7 +84,7 @@ QMenuBar::item:disabled { color: @mutedText; }
 Form > QMenuBar { background: @panel; color: @text; border-bottom: 1px solid @lines; padding: ~2px 1px; }
 Form > QMenuBar::item { padding: ~5px ~12px; margin: 1px; border-radius: 3px; }
 Form > QMenuBar::item:selected, Form > QMenuBar::item:pressed { background: @selectedRow; color: @selectedText; }
-Form > QMenuBar::item:disabled { color: @lines; }
+Form > QMenuBar::item:disabled { color: @mutedText; }
 QMenu { background: @panel; color: @text; border: 1px solid @lines; padding: ~4px 0; }
 QMenu::item { padding: ~5px ~28px ~5px ~22px; }
 QMenu::item:selected { background: @selectedRow; color: @selectedText; }

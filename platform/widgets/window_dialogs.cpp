@@ -9,6 +9,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -16,6 +18,8 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QSplitter>
+#include <QTreeView>
 
 namespace {
 
@@ -43,6 +47,18 @@ QPixmap boxPicture(BoxIcon icon)
     const QString sign = warns ? u"!"_s : icon == BoxIcon::Question ? u"?"_s : u"i"_s;
     painter.drawText(QRectF(0, 0, iconSize, iconSize), Qt::AlignCenter, sign);
     return pixmap;
+}
+
+/// Room for a file's size and day, by which backups are told apart; the toolkit's own dialog cuts them off.
+void showDays(QFileDialog& dialog)
+{
+    if (auto* parts = dialog.findChild<QSplitter*>(u"splitter"_s))
+        parts->setSizes({style::scaled(120), style::scaled(fileDialogSize.width() - 120)});
+    if (auto* files = dialog.findChild<QTreeView*>(u"treeView"_s)) {
+        int column = 0;
+        for (const int width : {260, 90, 80, 170})
+            files->header()->resizeSection(column++, style::scaled(width));
+    }
 }
 
 QWidget* dialogOwner()
@@ -105,6 +121,17 @@ public:
 
     QVBoxLayout* body() { return body_; }
 
+protected:
+    /// Y and N answer without Alt, as in the message boxes that operators know.
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        for (auto* button : findChildren<QPushButton*>())
+            if (event->modifiers() == Qt::NoModifier &&
+                QKeySequence::mnemonic(button->text()) == QKeySequence(Qt::ALT | Qt::Key(event->key())))
+                return button->click();
+        QDialog::keyPressEvent(event);
+    }
+
 private:
     QVBoxLayout* body_;
     QHBoxLayout* buttons_;
@@ -157,7 +184,7 @@ public:
         dialog.setLabelText(QFileDialog::FileName, u"文件名(&N)："_s);
         dialog.setLabelText(QFileDialog::FileType, u"文件类型："_s);
         dialog.setLabelText(QFileDialog::LookIn, u"查找范围："_s);
-        dialog.resize(fileDialogSize);
+        dialog.resize(style::scaled(fileDialogSize.width()), style::scaled(fileDialogSize.height()));
         dialog.setNameFilters(fileDialogFilters(request.filter));
 
         const QString folder = folderOf(request.fileName);
@@ -166,6 +193,7 @@ public:
             dialog.setDirectory(resolvedPath(folder));
         if (!name.contains(u'*') && !name.contains(u'?') && !name.isEmpty())
             dialog.selectFile(name);
+        showDays(dialog);
 
         if (execModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
             return std::nullopt;

@@ -127,6 +127,10 @@ public:
             worksheet_set_column(sheet_, lxw_col_t(column), lxw_col_t(column),
                                  std::clamp(widths[column] + margin, narrowest, widest), nullptr);
         worksheet_freeze_panes(sheet_, lxw_row_t(top + 1), 0);
+        if (!table_.picture.isEmpty())
+            worksheet_insert_image_buffer(sheet_, lxw_row_t(top + 2 + table_.rows.size()), 0,
+                                          reinterpret_cast<const unsigned char*>(table_.picture.constData()),
+                                          size_t(table_.picture.size()));
         return true;
     }
 

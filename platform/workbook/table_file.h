@@ -14,6 +14,7 @@ struct TableContent
                          ///< codes keep their zeros
     QList<QStringList> rows;
     QStringList heading = {}; ///< lines above the captions, such as title and company
+    QByteArray picture = {};  ///< a PNG of the size that it says, below the rows; text separated by commas has none
 };
 
 /// Writes the table as a workbook (`.xlsx`) or as text separated by commas (any other name; UTF-8 with byte-order
