@@ -2,6 +2,9 @@
 
 #include "platform/widgets/controls.h"
 #include "platform/widgets/grid.h"
+#include "platform/widgets/style.h"
+
+#include <QShortcut>
 
 PasteRefused::PasteRefused()
     : Form(formName(), u"粘贴多行"_s)
@@ -16,9 +19,10 @@ PasteRefused::PasteRefused()
                     {u"价格"_s, 80, ColumnKind::Number},
                     {u"备注"_s, 100},
                     {u"原因"_s, 280, ColumnKind::Text, false, true}});
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, [this] { Unload(); });
     content()->addWidget(LabInfo);
     content()->addWidget(GD, 1);
-    resize(860, 380);
+    resize(style::scaled(860), style::scaled(380));
 }
 
 void PasteRefused::tell(const QList<RefusedLine>& refused, qsizetype entered)

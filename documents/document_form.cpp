@@ -20,12 +20,23 @@
 #include <QTabBar>
 #include <QTimer>
 
+#include <algorithm>
 #include <tuple>
 
 namespace {
 
 constexpr int statusPanelOfForms = 4;
 constexpr int longestNumber = 25;
+
+/// As the number pad types it: without separators, or with points.
+QString typedDate(const QString& text)
+{
+    QString date = Trim(plainWidth(text)).replace(u'.', u'-');
+    constexpr qsizetype allDigits = 8;
+    if (date.size() == allDigits && std::all_of(date.begin(), date.end(), [](QChar c) { return c.isDigit(); }))
+        date.insert(6, u'-').insert(4, u'-');
+    return date;
+}
 
 } // namespace
 
@@ -48,6 +59,10 @@ DocumentForm::DocumentForm(const DocumentTraits& kind)
     addKey(Qt::Key_F2, [this] {
         if (Edstu != Viewing && lines->endEdit())
             lines->focusCode();
+    });
+    addKey(Qt::Key_F3, [this] {
+        if (Edstu != Viewing && lines->endEdit())
+            focusText(CmbLB ? static_cast<QWidget*>(CmbLB) : Txt[PartnerName]);
     });
     addKey(Qt::Key_F8, [this] {
         if (Edstu != Viewing)
@@ -83,6 +98,7 @@ void DocumentForm::buildCommands()
         {"Menu_Return", u"&R.返回",     Shown::Always,   &DocumentForm::Menu_Return},
         {"Menu_copy",   u"&N.复制为新单据", Shown::Viewing, &DocumentForm::Menu_copy, true},
         {"Menu_paste",  u"&V.粘贴多行", Shown::Entering, &DocumentForm::Menu_paste},
+        {"Menu_again",  u"&Z.找回取消的录入", Shown::Viewing, &DocumentForm::Menu_again, true},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -182,15 +198,19 @@ void DocumentForm::buildDetail()
     for (QLabel* label : {count_, Lab[Total]})
         setLook(label, LabelLook::Field);
     LabKept = makeLabel(u"LabKept"_s, u"这份录入没能存到本机备用（磁盘满了或不能写入），请尽早[保存]。"_s);
-    LabKept->setProperty("look", u"warning"_s);
-    LabKept->setMargin(style::spacing / 2);
-    LabKept->hide();
+    LabLeftOut = makeLabel(u"LabLeftOut"_s, QString());
+    for (QLabel* label : {LabKept, LabLeftOut}) {
+        label->setProperty("look", u"warning"_s);
+        label->setMargin(style::spacing / 2);
+        label->hide();
+    }
     keeping_ = new QTimer(this);
     connect(keeping_, &QTimer::timeout, this, &DocumentForm::keepEntry);
     showAsTotal(Txt[Total]);
     style::fixWidth(Txt[Total], 160);
 
     detailPage()->addWidget(LabKept);
+    detailPage()->addWidget(LabLeftOut);
     detailPage()->addLayout(fields);
     detailPage()->addWidget(lines, 1);
     detailPage()->addLayout(makeRow({count_, nullptr, Lab[Total], Txt[Total]}));
@@ -320,6 +340,7 @@ void DocumentForm::tabChanged(Tab tab)
 
 void DocumentForm::loadDetail()
 {
+    LabLeftOut->hide();
     if (listEmpty())
         return clearDetail();
     for (int i = 0; i <= Remark; ++i)
@@ -348,6 +369,7 @@ void DocumentForm::clearDetail()
 void DocumentForm::enter(Mode mode)
 {
     Edstu = mode;
+    LabLeftOut->hide();
     lines->setEntering(true, ReservedNo);
     updateState();
     beginKeeping();
@@ -375,10 +397,15 @@ void DocumentForm::updateState()
         shown->setEnabled(allowed && gWithMoney != 0); // it is ruled for prices
     if (QAction* unaudit = command(u"Menu_noOK"_s); unaudit && !isTopAdministrator())
         setCommandVisible(unaudit, false);
+    if (!cancelled_)
+        setCommandVisible(command(u"Menu_again"_s), false);
     for (const int i : {Number, Date, Remark})
         setLocked(Txt[i], !entering);
-    for (const int i : {Clerk, Auditor, Total})
+    for (const int i : {Clerk, Auditor, Total}) {
         setLocked(Txt[i], true);
+        Txt[i]->setFocusPolicy(entering ? Qt::ClickFocus
+                                        : Qt::StrongFocus); // Enter goes from one open field to the next
+    }
     setLocked(Txt[PartnerName], !entering || CmbLB);
     if (CmbLB)
         CmbLB->setEnabled(entering);
@@ -425,6 +452,7 @@ void DocumentForm::updateBadge()
 
 void DocumentForm::sessionChanged()
 {
+    cancelled_.reset(); // another operator's
     updateState();
 }
 
@@ -503,6 +531,8 @@ void DocumentForm::Menu_del()
 
 void DocumentForm::Menu_cancel()
 {
+    if (KeptEntry entry = entryNow(); untouched_.isEmpty() || entry.content() != untouched_)
+        cancelled_ = std::move(entry);
     lines->cancelEdit();
     if (Edstu == Adding)
         DanNoRelease(ReservedNo);
@@ -581,12 +611,16 @@ void DocumentForm::Menu_save()
             DanNoReserve(number, 1);
         }
     }
+    const QString leftOut = lines->codeWithoutLine();
+    LabLeftOut->setText(u"单据已经保存，但是“货品编码”栏里的 "_s + leftOut +
+                        u" 没有录入：输入数量以后还要按回车。需要的话请按[修改]补录。"_s);
     listSaved(partnerCode);
     try {
         leaveEntering();
     } catch (const StoreError&) { // it is saved and on screen; the next command tells what keeps the ledger away
         TabS->setFocus();
     }
+    LabLeftOut->setVisible(!leftOut.isEmpty());
     SavedNotice();
 }
 
@@ -603,7 +637,7 @@ bool DocumentForm::headerComplete()
         refuse(Lab[PartnerName]->text() + u"不能为空！"_s, partner);
         return false;
     }
-    const auto date = parseDate(Txt[Date]->text());
+    const auto date = parseDate(typedDate(Txt[Date]->text()));
     if (!date) {
         refuse(u"“"_s + Txt[Date]->text() + u"”不是有效的日期！"_s, Txt[Date]);
         return false;

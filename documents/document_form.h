@@ -38,6 +38,7 @@ public:
     /// Goods and quantities are taken over, all else is as entering them now gives it.
     void Menu_copy();
     void Menu_paste(); ///< lines from the clipboard
+    void Menu_again(); ///< takes up the entry that was cancelled last
 
     /// Lists drafts only, newest first.
     void listDrafts();
@@ -52,7 +53,8 @@ public:
     QComboBox* CmbLB = nullptr; ///< the partner; none where a name is typed
     DatePicker* DTP1 = nullptr;
     LineEntry* lines = nullptr;
-    QLabel* LabKept = nullptr; ///< tells that the entry can't be kept against a crash
+    QLabel* LabKept = nullptr;    ///< tells that the entry can't be kept against a crash
+    QLabel* LabLeftOut = nullptr; ///< tells what was typed and is no line of the saved document
 
     void sessionChanged() override;
 
@@ -100,7 +102,7 @@ private:
     void noteSaving(const QString& number, const QString& partnerCode);
     void endKeeping();
     QString keptQuestion(const KeptEntry& entry) const;
-    void reopen(const KeptEntry& entry, KeptFile& file);
+    void reopen(const KeptEntry& entry, KeptFile* file);
     bool showStored(const QString& number);
     QString numberAgain(const QString& number);
     bool ownReservation(const QString& number) const;
@@ -120,7 +122,8 @@ private:
     KeptEntry keptAs_;             ///< what stays the same while the entry goes on
     QByteArray untouched_; ///< the entry at its beginning, which is not worth keeping; empty once it was changed
     QTimer* keeping_ = nullptr;
-    QString damaged_; ///< told above the content until the form is shown again
+    std::optional<KeptEntry> cancelled_; ///< the last entry that was cancelled with something in it
+    QString damaged_;                    ///< told above the content until the form is shown again
 };
 
 /// The form of that kind, made at first use.

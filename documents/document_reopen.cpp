@@ -1,5 +1,6 @@
 #include "documents/document_form.h"
 #include "documents/line_entry.h"
+#include "documents/new_goods_panel.h"
 #include "ledger/Module1.h"
 #include "ledger/identity.h"
 #include "ledger/literal.h"
@@ -96,18 +97,24 @@ KeptEntry DocumentForm::entryNow() const
     entry.remark = Txt[Remark]->text();
     std::tie(entry.code, entry.quantity) = lines->panelTexts();
     entry.lines = lines->shownLines();
+    if (const auto cell = lines->openCell()) {
+        entry.cell = cell->text;
+        entry.cellColumn = QString::number(cell->column);
+        entry.cellCode = cell->code;
+    }
+    if (lines->newGoods)
+        entry.newGoods = lines->newGoods->texts();
     return entry;
 }
 
 void DocumentForm::beginKeeping()
 {
     const QString folder = keptFolder();
-    if (folder.isEmpty())
-        return;
     keptAs_ = KeptEntry();
     keptAs_.form = Name();
     keptAs_.ledger = canonicalLedger();
-    keptAs_.identity = ledgerIdentity(gDB);
+    if (!folder.isEmpty())
+        keptAs_.identity = ledgerIdentity(gDB);
     keptAs_.account = gOperId;
     keptAs_.clerk = gOperName;
     keptAs_.costs = gCanSeeCost;
@@ -118,8 +125,10 @@ void DocumentForm::beginKeeping()
             keptAs_.original = storedDigest(ReservedNo);
     } catch (const StoreError&) { // it is taken for changed then
     }
-    kept_.emplace(folder, Name(), keptAs_.ledger);
     untouched_ = entryNow().content();
+    if (folder.isEmpty())
+        return;
+    kept_.emplace(folder, Name(), keptAs_.ledger);
     keeping_->start(betweenKeeps);
 }
 
@@ -206,7 +215,7 @@ void DocumentForm::open()
             continue;
         }
         if (askYesNo(keptQuestion(entry)))
-            return reopen(entry, file);
+            return reopen(entry, &file);
         file.remove();
         if (!entry.editing && ownReservation(entry.reserved))
             DanNoRelease(entry.reserved);
@@ -223,8 +232,15 @@ QString DocumentForm::keptQuestion(const KeptEntry& entry) const
     return text + u"\n\n要接着录入吗？选“否”，这份录入就删除了。"_s;
 }
 
-/// @param file its lock is taken over once the entry is open
-void DocumentForm::reopen(const KeptEntry& entry, KeptFile& file)
+void DocumentForm::Menu_again()
+{
+    if (!cancelled_)
+        return MsgBox(u"没有取消过的录入可以找回。"_s);
+    reopen(*std::exchange(cancelled_, std::nullopt), nullptr);
+}
+
+/// @param file of an entry that a dead process left: its lock is taken over once the entry is open
+void DocumentForm::reopen(const KeptEntry& entry, KeptFile* file)
 {
     QStringList news;
     bool editing = entry.editing;
@@ -274,14 +290,18 @@ void DocumentForm::reopen(const KeptEntry& entry, KeptFile& file)
     lines->showLines(rows, withPrices);
     lines->openNextRow();
     if (!entry.code.isEmpty()) {
+        lines->endEdit(); // the box before may not have given the focus back yet, whose loss closes a cell
         lines->showPanelTexts(entry.code, entry.quantity);
         lines->focusCode();
     }
-    if (kept_) {
-        *kept_ = std::move(file);
-        untouched_.clear();
-        keepEntry(); // under the number that it has now
-    }
+    if (!entry.cellColumn.isEmpty())
+        lines->reopenCell({entry.cellCode, entry.cellColumn.toInt(), entry.cell});
+    if (lines->newGoods && !entry.newGoods.isEmpty())
+        lines->newGoods->show(entry.newGoods);
+    untouched_.clear();
+    if (kept_ && file)
+        *kept_ = std::move(*file);
+    keepEntry(); // under the number that it has now
     tellNews(u"上次的录入已经打开，请注意："_s, news);
 }
 

@@ -10,9 +10,13 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 
+#include <algorithm>
+
 namespace {
 constexpr qsizetype mostGoods = 500; // as the statement caps it
-constexpr int shownRows = 8;
+constexpr int fewestRows = 4;
+constexpr int mostRows = 8;
+constexpr int rowsElsewhere = 18; ///< about what the rest of the form needs, the document's first lines among it
 } // namespace
 
 GoodsLookup::GoodsLookup(const QString& stockCaption, bool withNewGoods)
@@ -22,8 +26,6 @@ GoodsLookup::GoodsLookup(const QString& stockCaption, bool withNewGoods)
     GdQuery->setColumns({{u"货品编码"_s, 150},
                          {u"货品名称/规格"_s, 360, ColumnKind::Text, false, true},
                          {stockCaption, 140, ColumnKind::Number}});
-    style::follow(GdQuery,
-                  [this] { GdQuery->setFixedHeight(style::headerHeight() + shownRows * style::rowHeight() + 2); });
     LabInfo = makeLabel(u"LabInfo"_s, QString());
     CmdBox[0] = makeButton(
         u"CmdBox"_s, u"选 定"_s, [this] { choose(); }, 0, ButtonLook::Primary);
@@ -42,7 +44,6 @@ GoodsLookup::GoodsLookup(const QString& stockCaption, bool withNewGoods)
     all->addLayout(foot);
 
     connect(GdQuery, &Grid::activatedRow, this, [this](int) { runCommand([this] { choose(); }); });
-    GdQuery->installEventFilter(this);
 }
 
 void GoodsLookup::fill(const QString& code)
@@ -66,9 +67,13 @@ void GoodsLookup::fill(const QString& code)
         GdQuery->clearRows();
     else
         GdQuery->setRows(std::move(rows));
+    const int shownRows = std::clamp(window()->height() / style::rowHeight() - rowsElsewhere, fewestRows, mostRows);
+    GdQuery->setFixedHeight(style::headerHeight() + shownRows * style::rowHeight() + 2);
     show();
     GdQuery->select(1);
-    GdQuery->setFocus();
+    // With nothing to choose, Enter does what comes next.
+    QWidget* next = CmdBox[2] ? CmdBox[2] : CmdBox[1];
+    (found > 0 ? static_cast<QWidget*>(GdQuery) : next)->setFocus();
 }
 
 void GoodsLookup::choose()
@@ -86,12 +91,10 @@ void GoodsLookup::leave()
     emit left();
 }
 
-bool GoodsLookup::eventFilter(QObject* watched, QEvent* event)
+void GoodsLookup::keyPressEvent(QKeyEvent* event)
 {
-    if (watched == GdQuery && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    if (event->key() == Qt::Key_Escape)
         runCommand([this] { leave(); });
-        return true;
-    }
-    return QFrame::eventFilter(watched, event);
+    else
+        QFrame::keyPressEvent(event);
 }

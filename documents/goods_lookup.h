@@ -31,7 +31,7 @@ signals:
     void newGoodsWanted();
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void choose();

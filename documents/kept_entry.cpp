@@ -26,14 +26,24 @@ struct EntryText
     QString KeptEntry::*text;
 };
 constexpr EntryText entryTexts[] = {
-    {"form", &KeptEntry::form},         {"ledger", &KeptEntry::ledger},
-    {"identity", &KeptEntry::identity}, {"account", &KeptEntry::account},
-    {"clerk", &KeptEntry::clerk},       {"reserved", &KeptEntry::reserved},
-    {"original", &KeptEntry::original}, {"savedNumber", &KeptEntry::savedNumber},
-    {"saved", &KeptEntry::saved},       {"number", &KeptEntry::number},
-    {"date", &KeptEntry::date},         {"partner", &KeptEntry::partner},
-    {"remark", &KeptEntry::remark},     {"code", &KeptEntry::code},
+    {"form", &KeptEntry::form},
+    {"ledger", &KeptEntry::ledger},
+    {"identity", &KeptEntry::identity},
+    {"account", &KeptEntry::account},
+    {"clerk", &KeptEntry::clerk},
+    {"reserved", &KeptEntry::reserved},
+    {"original", &KeptEntry::original},
+    {"savedNumber", &KeptEntry::savedNumber},
+    {"saved", &KeptEntry::saved},
+    {"number", &KeptEntry::number},
+    {"date", &KeptEntry::date},
+    {"partner", &KeptEntry::partner},
+    {"remark", &KeptEntry::remark},
+    {"code", &KeptEntry::code},
     {"quantity", &KeptEntry::quantity},
+    {"cell", &KeptEntry::cell},
+    {"cellColumn", &KeptEntry::cellColumn},
+    {"cellCode", &KeptEntry::cellCode},
 };
 
 QJsonObject entryObject(const KeptEntry& entry)
@@ -45,6 +55,7 @@ QJsonObject entryObject(const KeptEntry& entry)
     for (const QStringList& line : entry.lines)
         lines.append(QJsonArray::fromStringList(line));
     object.insert(u"lines"_s, lines);
+    object.insert(u"newGoods"_s, QJsonArray::fromStringList(entry.newGoods));
     return object;
 }
 
@@ -91,6 +102,7 @@ std::optional<KeptEntry> KeptEntry::read(const QByteArray& bytes)
     entry.costs = object.value(u"costs"_s).toBool();
     entry.editing = object.value(u"editing"_s).toBool();
     entry.moment = object.value(u"moment"_s).toString();
+    entry.newGoods = object.value(u"newGoods"_s).toVariant().toStringList();
     const QJsonArray lines = object.value(u"lines"_s).toArray();
     for (const auto& line : lines)
         entry.lines += line.toVariant().toStringList();

@@ -31,6 +31,10 @@ struct KeptEntry
     QString remark;
     QString code; ///< of the panel above the lines, where it isn't that of a line
     QString quantity;
+    QString cell; ///< being typed into a cell: its text, the column, and the code of the line
+    QString cellColumn;
+    QString cellCode;
+    QStringList newGoods; ///< being typed into the panel for new goods
     QList<QStringList> lines;
     QString moment; ///< of the last change; not compared
 

@@ -15,6 +15,7 @@
 #include "platform/widgets/form.h"
 #include "platform/widgets/grid.h"
 #include "platform/widgets/style.h"
+#include "platform/widgets/suggestions.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -88,10 +89,15 @@ LineEntry::LineEntry(const DocumentTraits& kind)
 void LineEntry::connectCode()
 {
     connect(TxtHPBM, &QLineEdit::returnPressed, this, [this] { runCommand([this] { enterCode(); }); });
-    for (QWidget* widget :
-         {static_cast<QWidget*>(TxtHPBM), static_cast<QWidget*>(GdMx), static_cast<QWidget*>(GdMx->TxtEnter)})
+    for (QWidget* widget : {static_cast<QWidget*>(TxtHPBM), static_cast<QWidget*>(TxtSL), static_cast<QWidget*>(GdMx),
+                            static_cast<QWidget*>(GdMx->TxtEnter)})
         widget->installEventFilter(this);
-    suggestGoods(TxtHPBM, kind_.sheet->stockCaption.toString());
+    const QString stockCaption = kind_.sheet->stockCaption.toString();
+    suggestGoods(TxtHPBM, stockCaption);
+    Suggestions* inCell = suggestGoods(GdMx->TxtEnter, stockCaption, u"GdCellSuggest"_s);
+    inCell->find = [this, all = inCell->find](const QString& typed) {
+        return GdMx->Col() == Code ? all(typed) : QList<QStringList>();
+    };
 }
 
 void LineEntry::connectScan()
@@ -120,7 +126,8 @@ void LineEntry::build()
     CmdDel = makeButton(u"CmdDel"_s, u"删除货品"_s, [this] { deleteLine(); });
     ChkScan = makeCheck(u"ChkScan"_s, u"连续扫码(F8)"_s);
     ChkScan->setToolTip(u"扫一次编码，加一件"_s);
-    auto* hint = makeLabel(u"LabHint"_s, u"回车：下一格　Esc：放弃本格　F2：货品编码　F4：查找货品"_s);
+    auto* hint = makeLabel(u"LabHint"_s, u"回车：下一格　Esc：放弃本格　↓：改明细　F2：货品编码　F3："_s +
+                                             kind_.partner + u"　F4：查找货品"_s);
     auto* codeLabel = makeLabel(u"LabHPBM"_s, codeCaption);
     auto* quantityLabel = makeLabel(u"LabSL"_s, u"数量"_s);
     for (QLabel* label : {hint, codeLabel, quantityLabel})
@@ -203,24 +210,29 @@ void LineEntry::setEntering(bool entering, const QString& storedNumber)
     entering_ = entering;
     storedNumber_ = storedNumber;
     PicLRQ->setVisible(entering);
-    if (entering)
+    if (entering) {
+        showPanelTexts({}, {}); // what another entry left there
         ChkScan->setChecked(GetSetting(gProgramName, scanSection, gOperId) == u"1");
+    }
     lookup->hide();
     if (newGoods)
-        newGoods->hide();
+        newGoods->drop();
 }
 
 void LineEntry::openNextRow()
 {
     keepEmptyRow();
+    if (ChkScan->isChecked()) {
+        GdMx->select(GdMx->Rows() - 1, Code);
+        return focusCode();
+    }
     GdMx->setFocus();
     GdMx->edit(GdMx->Rows() - 1, Code);
 }
 
 void LineEntry::focusCode()
 {
-    TxtHPBM->setFocus();
-    TxtHPBM->selectAll();
+    focusText(TxtHPBM);
 }
 
 bool LineEntry::endEdit()
@@ -275,18 +287,18 @@ void LineEntry::AddGoodsLine()
         return;
     const QString code = Trim(TxtHPBM->text());
     const double quantity = qMax(Val(TxtSL->text()), 0.0);
-    if (code.isEmpty() || quantity == 0)
-        return;
-    if (!meantAsQuantity(TxtSL->text())) {
-        TxtSL->setFocus();
-        TxtSL->selectAll();
-        return;
-    }
+    if (code.isEmpty())
+        return TxtHPBM->setFocus();
+    if (quantity == 0)
+        return TxtSL->selectAll();
+    if (!meantAsQuantity(TxtSL->text()))
+        return focusText(TxtSL);
     const int present = findRow(code);
     if (const Refusal refusal = place(code, quantity)) {
         if (ChkScan->isChecked())
             Beep(); // who scans doesn't look at the screen
-        return MsgBox(refusal.text, refusal.title);
+        MsgBox(refusal.text, refusal.title);
+        return focusText(refusal.unknown ? TxtHPBM : TxtSL);
     }
     if (present) {
         GdMx->select(present, Quantity);
@@ -320,7 +332,7 @@ LineEntry::Refusal LineEntry::place(const QString& code, double quantity)
         return {
             u"货品资料库中不存在“%1”这个%1！\n请点击“？”按钮查找系统中存在的%1，\n或在基础数据中增加新的货品资料！"_s
                 .arg(codeCaption),
-            u"提示"_s, u"货品资料库中没有这个编码"_s};
+            u"提示"_s, u"货品资料库中没有这个编码"_s, true};
     if (const QString missing = shortage(quantity); !missing.isEmpty())
         return {missing, {}};
     keepEmptyRow();
@@ -489,10 +501,34 @@ std::pair<QString, QString> LineEntry::panelTexts() const
     return texts.first == GdMx->TextMatrix(GdMx->Row(), Code) ? std::pair<QString, QString>() : texts;
 }
 
+QString LineEntry::codeWithoutLine() const
+{
+    const QString code = Trim(TxtHPBM->text());
+    return code.isEmpty() || findRow(code) ? QString() : code;
+}
+
 void LineEntry::showPanelTexts(const QString& code, const QString& quantity)
 {
     TxtHPBM->setText(code);
     TxtSL->setText(quantity);
+}
+
+std::optional<LineEntry::OpenCell> LineEntry::openCell() const
+{
+    const int row = GdMx->Row();
+    if (!GdMx->editing() || GdMx->TxtEnter->text() == GdMx->TextMatrix(row, GdMx->Col()))
+        return std::nullopt;
+    return OpenCell{Trim(GdMx->TextMatrix(row, Code)), GdMx->Col(), GdMx->TxtEnter->text()};
+}
+
+void LineEntry::reopenCell(const OpenCell& cell)
+{
+    const int row = cell.code.isEmpty() ? GdMx->Rows() - 1 : findRow(cell.code);
+    if (row == 0)
+        return;
+    GdMx->edit(row, cell.column);
+    if (GdMx->editing())
+        GdMx->TxtEnter->setText(cell.text);
 }
 
 void LineEntry::deleteLine()
@@ -500,24 +536,39 @@ void LineEntry::deleteLine()
     if (!GdMx->endEdit())
         return;
     const QString code = Trim(TxtHPBM->text());
+    const int row = code.isEmpty() ? 0 : findRow(code);
     if (code.isEmpty())
-        return MsgBox(u"请输入要删除的货品编码或点击要删除的行！"_s);
-    const int row = findRow(code);
-    if (!row)
-        return MsgBox(u"此"_s + kind_.statusName + u"中没有指定的货品编码："_s + code + u"！"_s);
-    if (!askYesNo(u"真的要删除货品["_s + code + u"]吗？"_s))
-        return;
-    removeRow(row);
-    TxtHPBM->setFocus();
+        MsgBox(u"请输入要删除的货品编码或点击要删除的行！"_s);
+    else if (!row)
+        MsgBox(u"此"_s + kind_.statusName + u"中没有指定的货品编码："_s + code + u"！"_s);
+    else if (askYesNo(u"真的要删除货品["_s + code + u"]吗？"_s))
+        removeRow(row);
+    focusCode();
 }
 
 void LineEntry::lookUp()
 {
+    if (const auto cell = openCell(); cell && cell->column == Code && !Trim(cell->text).isEmpty()) {
+        TxtHPBM->setText(plainWidth(cell->text).toUpper()); // a part of a code, which the cell would refuse
+        GdMx->cancelEdit();
+    }
     if (!GdMx->endEdit())
         return;
     if (newGoods)
         newGoods->hide();
     lookup->fill(TxtHPBM->text());
+}
+
+bool LineEntry::goToLines()
+{
+    if (!codeWithoutLine().isEmpty())
+        return false;
+    const QString code = Trim(TxtHPBM->text());
+    const int row = code.isEmpty() ? qMax(GdMx->Row(), 1) : findRow(code);
+    followCell(row);
+    GdMx->setFocus();
+    GdMx->edit(row, Trim(GdMx->TextMatrix(row, Code)).isEmpty() ? Code : Quantity);
+    return true;
 }
 
 void LineEntry::takeGoods(const QString& code)
@@ -692,11 +743,16 @@ bool LineEntry::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (pasteKey(*key))
+        if (watched != TxtSL && pasteKey(*key))
             return true;
-        if (watched == TxtHPBM && key->key() == Qt::Key_F4) {
+        if (watched != TxtSL && entering_ && key->key() == Qt::Key_F4) {
             runCommand([this] { lookUp(); });
             return true;
+        }
+        if (key->key() == Qt::Key_Down && (watched == TxtHPBM || watched == TxtSL)) {
+            bool went = false;
+            runCommand([&] { went = goToLines(); });
+            return went;
         }
     } else if (event->type() == QEvent::InputMethodQuery && watched == TxtHPBM && ChkScan->isChecked()) {
         // An input method would make words of what a scanner types. Only this answer keeps it away.

@@ -44,7 +44,8 @@ public:
     /// While a document is entered, cells open and the panel shows. `storedNumber` is the number that the document has
     /// in the ledger, or is to have: its own lines don't count as promised to others.
     void setEntering(bool entering, const QString& storedNumber = {});
-    /// An empty row at the bottom, for the next line; its cell becomes current.
+    /// An empty row at the bottom, for the next line; its cell becomes current and opens. Who scans goes on in the code
+    /// box.
     void openNextRow();
     /// Hides price and amount where no prices are kept.
     void followSettings();
@@ -72,11 +73,24 @@ public:
     void showLines(QList<QStringList> rows, bool withPrices);
     /// What stands in the panel, code and quantity, unless it only repeats the current row.
     std::pair<QString, QString> panelTexts() const;
+    /// The code in the panel, if no line has it.
+    QString codeWithoutLine() const;
     void showPanelTexts(const QString& code, const QString& quantity);
+    /// A text that is being typed into a cell.
+    struct OpenCell
+    {
+        QString code; ///< of the line; empty in the last row
+        int column = 0;
+        QString text;
+    };
+    std::optional<OpenCell> openCell() const;
+    void reopenCell(const OpenCell& cell);
 
     void AddGoodsLine();
     void deleteLine();
     void lookUp();
+    /// From the panel to the quantity of the line that has its code, or of the current one when it holds none.
+    bool goToLines();
     /// Enters the lines that were copied from a spreadsheet (see pastedLines), each by the same rules as a typed one,
     /// and lists those that were refused. A failure of the ledger leaves the lines as they were.
     /// @throws StoreError
@@ -109,6 +123,7 @@ private:
         QString text;
         QString title;
         QString listed = text.section(u'\n', 0, 0); ///< in a list of refused lines
+        bool unknown = false;                       ///< there are no such goods
         explicit operator bool() const { return !text.isEmpty(); }
     };
 

@@ -6,6 +6,7 @@
 #include "platform/widgets/style.h"
 #include "shell/session.h"
 
+#include <QKeyEvent>
 #include <QVBoxLayout>
 
 namespace {
@@ -26,12 +27,7 @@ NewGoodsPanel::NewGoodsPanel()
     CmdNew[0] = makeButton(
         u"CmdNew"_s, u"保 存"_s, [this] { save(); }, 0, ButtonLook::Primary);
     CmdNew[1] = makeButton(
-        u"CmdNew"_s, u"返 回"_s,
-        [this] {
-            hide();
-            emit left();
-        },
-        1);
+        u"CmdNew"_s, u"返 回"_s, [this] { leave(); }, 1);
 
     auto* fields = new FieldLayout(4);
     for (int i = 0; i < FieldCount; ++i) {
@@ -64,15 +60,58 @@ EditKind NewGoodsPanel::editKindOf(int field)
 
 void NewGoodsPanel::open(const QString& code)
 {
+    const bool again = !code.isEmpty() && sameText(TxtN[Code]->text(), code);
+    const QString category = CmbHPLB->currentText();
     CmbHPLB->clear();
     Recordset categories = gDB.OpenRecordset(u"select * from TA3 order by F1"_s);
     for (; !categories.isEOF(); categories.MoveNext())
         CmbHPLB->addItem(entryOf(categories.Fields(u"F1").text(), categories.Fields(u"F2").text()));
+    if (again) {
+        CmbHPLB->setEditText(category);
+    } else {
+        for (QLineEdit* edit : TxtN)
+            edit->clear();
+        TxtN[Code]->setText(code);
+    }
+    show();
+    focusText(TxtN[Code]);
+}
+
+QStringList NewGoodsPanel::texts() const
+{
+    QStringList texts;
+    for (int i = 0; i < FieldCount && !isHidden(); ++i)
+        texts += i == Category ? CmbHPLB->currentText() : TxtN[i]->text();
+    return texts;
+}
+
+void NewGoodsPanel::show(const QStringList& texts)
+{
+    open(texts.value(Code));
+    for (int i = 0; i < FieldCount; ++i)
+        TxtN[i]->setText(i == Category ? QString() : texts.value(i));
+    CmbHPLB->setEditText(texts.value(Category));
+}
+
+void NewGoodsPanel::drop()
+{
+    hide();
     for (QLineEdit* edit : TxtN)
         edit->clear();
-    TxtN[Code]->setText(code);
-    show();
-    TxtN[Code]->setFocus();
+}
+
+void NewGoodsPanel::leave()
+{
+    hide();
+    emit left();
+}
+
+void NewGoodsPanel::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        runCommand([this] { leave(); });
+    else
+        QFrame::keyPressEvent(event);
 }
 
 void NewGoodsPanel::choosePicture()
@@ -111,14 +150,13 @@ void NewGoodsPanel::save()
         gDB.Execute(u"insert into TA4 (F1,F2,F3,F4,F5,F6,F9,F11,F7,F71,F8) VALUES ("_s + values + sqlText(code) + u',' +
                     sqlNumber(Val(TxtN[InPrice]->text())) + u',' + sqlNumber(Val(TxtN[SalePrice]->text())) + u",0)"_s);
     }
-    hide();
-    emit added(code, TxtN[Quantity]->text());
+    const QString quantity = TxtN[Quantity]->text();
+    drop();
+    emit added(code, quantity);
 }
 
 void NewGoodsPanel::refuse(const QString& text, QWidget* where)
 {
     MsgBox(text);
-    where->setFocus();
-    if (auto* edit = qobject_cast<QLineEdit*>(where))
-        edit->selectAll();
+    focusText(where);
 }

@@ -13,8 +13,14 @@ class NewGoodsPanel : public QFrame
 public:
     NewGoodsPanel();
 
-    /// Empties the fields, offers that code, and shows the panel.
+    /// Offers that code in empty fields, and shows the panel; what was typed for that code and left comes back.
     void open(const QString& code);
+    /// What stands in the fields of an open panel, in their order; empty when it is closed.
+    QStringList texts() const;
+    void show(const QStringList& texts);
+    using QFrame::show;
+    /// Closes the panel and forgets what was typed.
+    void drop();
     /// @throws StoreError
     void save();
     void choosePicture();
@@ -30,9 +36,13 @@ signals:
     void added(const QString& code, const QString& quantity);
     void left();
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     enum GoodsField { Code, Name, Category, Unit, Model, InPrice, SalePrice, Remark, Picture, Quantity, FieldCount };
 
     static EditKind editKindOf(int field);
+    void leave();
     void refuse(const QString& text, QWidget* where);
 };

@@ -105,9 +105,9 @@ QStringList codesFor(const QString& table, const QString& typed, int most)
     return indexes.try_emplace(table, table).first->second.codes(typed, most);
 }
 
-Suggestions* suggestGoods(QLineEdit* field, const QString& stockCaption)
+Suggestions* suggestGoods(QLineEdit* field, const QString& stockCaption, const QString& name)
 {
-    auto* suggestions = new Suggestions(field, u"GdSuggest"_s,
+    auto* suggestions = new Suggestions(field, name,
                                         {{u"货品编码"_s, 130},
                                          {u"货品名称"_s, 240, ColumnKind::Text, false, true},
                                          {u"规格型号"_s, 150},

@@ -12,7 +12,8 @@ class Suggestions;
 /// read afresh.
 
 /// Suggestions for a field that takes the code of goods. @param stockCaption of the column that shows what is in stock
-Suggestions* suggestGoods(QLineEdit* field, const QString& stockCaption);
+/// @param name of the list
+Suggestions* suggestGoods(QLineEdit* field, const QString& stockCaption, const QString& name = u"GdSuggest"_s);
 /// Suggestions for the box of a document's partner. @param table of the partners
 Suggestions* suggestPartners(QComboBox* box, const QString& table);
 

@@ -82,11 +82,14 @@ private:
     std::function<void()> run_;
 };
 
-/// Sends Tab for Enter.
+/// Sends Tab for Enter. A small button beside a field is passed over: the next Enter would press it.
 void moveOn(QWidget* widget)
 {
     QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
     QCoreApplication::sendEvent(widget, &tab);
+    QWidget* reached = QApplication::focusWidget();
+    if (reached && reached != widget && reached->property("look") == u"compact"_s)
+        moveOn(reached);
 }
 
 class EnterAsTab : public QObject
@@ -571,6 +574,14 @@ void onDoubleClick(QWidget* control, std::function<void()> run)
 void setLocked(QLineEdit* edit, bool locked)
 {
     edit->setReadOnly(locked);
+}
+
+void focusText(QWidget* control)
+{
+    control->setFocus();
+    auto* combo = qobject_cast<QComboBox*>(control);
+    if (auto* edit = combo ? combo->lineEdit() : qobject_cast<QLineEdit*>(control))
+        edit->selectAll();
 }
 
 BusyPointer::BusyPointer()

@@ -129,7 +129,7 @@ private:
     QPointer<QWidget> anchor_;
 };
 
-/// Enter in the control moves on as Tab would (not while an input method composes).
+/// Enter in the control moves on as Tab would, but past a compact button (not while an input method composes).
 void enterMovesOn(QLineEdit* edit);
 void enterMovesOn(QComboBox* combo);
 
@@ -144,6 +144,8 @@ void onDoubleClick(QWidget* control, std::function<void()> run);
 
 /// A field that is only shown: takes the focus and lets its text be copied, typing leaves it as it is.
 void setLocked(QLineEdit* edit, bool locked);
+/// Gives the control the focus, its text selected: what is typed next replaces it.
+void focusText(QWidget* control);
 
 /// The busy pointer for the time of its life.
 class BusyPointer

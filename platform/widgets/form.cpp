@@ -6,9 +6,11 @@
 #include <QActionEvent>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QScreen>
@@ -412,8 +414,30 @@ Form* Form::activeChild()
     return child ? qobject_cast<Form*>(child->widget()) : nullptr;
 }
 
+namespace {
+
+/// A letter with Alt that no command has is a mistaken command; the toolkit's fields would take it as text.
+class StrayLetters : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const auto* combo = qobject_cast<QComboBox*>(watched);
+        return key->modifiers() == Qt::AltModifier && !key->text().isEmpty() && key->text().at(0).isPrint() &&
+               (qobject_cast<QLineEdit*>(watched) || (combo && combo->isEditable()));
+    }
+};
+
+} // namespace
+
 void Form::shareLetters(QMenuBar* mainMenu)
 {
+    qApp->installEventFilter(new StrayLetters(mainMenu));
     QObject::connect(qApp, &QApplication::focusChanged, mainMenu, [mainMenu] {
         // The area without a form may have the focus too, and a form gets it before its child window counts as active.
         const QWidget* focus = QApplication::focusWidget();

@@ -165,9 +165,7 @@ void ListDetailForm::addListRow(const QStringList& cells)
 void ListDetailForm::refuse(const QString& text, QWidget* where)
 {
     MsgBox(text);
-    where->setFocus();
-    if (auto* edit = qobject_cast<QLineEdit*>(where))
-        edit->selectAll();
+    focusText(where);
 }
 
 void ListDetailForm::addKey(Qt::Key key, std::function<void()> run)

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QScrollBar>
 
 Suggestions::Suggestions(QLineEdit* field, const QString& name, const QList<GridColumn>& columns)
     : QObject(field)
@@ -36,9 +37,10 @@ void Suggestions::close()
 
 void Suggestions::follow()
 {
+    typed_ = field_->text();
     QList<QStringList> rows;
     try {
-        rows = find(field_->text());
+        rows = find(typed_);
     } catch (...) {
         close(); // what it shows belongs to another text
         throw;
@@ -78,12 +80,17 @@ void Suggestions::place()
     int width = 2;
     for (int column = 0; column < list_->Cols(); ++column)
         width += columns_[column].hidden ? 0 : std::max(columns_[column].width, list_->columnWidth(column));
-    const int height = list_->horizontalHeader()->height() + (list_->Rows() - 1) * list_->rowHeight(0) + 2;
+    int height = list_->horizontalHeader()->height() + (list_->Rows() - 1) * list_->rowHeight(0) + 2;
     const QRect anchor(field_->mapTo(form, QPoint(0, 0)), field_->size());
     const int below = form->height() - anchor.bottom() - 3;
     const int above = anchor.top() - 2;
     const bool under = height <= below || below >= above;
-    const QSize size(std::min(width, form->width()), std::min(height, under ? below : above));
+    const int room = under ? below : above;
+    if (height > room) {
+        height -= (height - room + list_->rowHeight(0) - 1) / list_->rowHeight(0) * list_->rowHeight(0); // whole rows
+        width += list_->verticalScrollBar()->sizeHint().width();
+    }
+    const QSize size(std::min(width, form->width()), height);
     list_->resize(size);
     list_->move(std::clamp(anchor.left(), 0, form->width() - size.width()),
                 under ? anchor.bottom() + 3 : anchor.top() - 2 - size.height());
@@ -126,10 +133,20 @@ bool Suggestions::key(int key)
     }
 }
 
+/// On a text that was typed the arrows are those of the list: a combo would step to another entry in its place.
+bool Suggestions::closedKey(int key)
+{
+    if (focus_ == field_ || (key != Qt::Key_Down && key != Qt::Key_Up) || typed_.isEmpty() || field_->text() != typed_)
+        return false;
+    if (key == Qt::Key_Down)
+        runCommand([this] { follow(); });
+    return true;
+}
+
 bool Suggestions::eventFilter(QObject*, QEvent* event)
 {
     if (!shown())
-        return false;
+        return event->type() == QEvent::KeyPress && closedKey(static_cast<QKeyEvent*>(event)->key());
     switch (event->type()) {
     case QEvent::ShortcutOverride: // Esc closes the list, not what a shortcut would close
         if (static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
