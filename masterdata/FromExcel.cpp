@@ -141,6 +141,8 @@ void FromExcel::build()
 
     LabCheck = makeLabel(u"LabCheck"_s, QString());
     setLook(LabCheck, LabelLook::Heading);
+    for (QLabel* label : {LabTitles, LabCheck})
+        label->setIndent(style::spacing);
     GdCheck = new Grid(u"GdCheck"_s);
     GdCheck->setColumns({{u"行"_s, 60, ColumnKind::Number},
                          {u"结果"_s, 70, ColumnKind::Centred},

@@ -16,7 +16,14 @@ public:
     using QLabel::QLabel;
 
 protected:
-    void paintEvent(QPaintEvent*) override { QPainter(this).drawPixmap(0, 0, pixmap()); }
+    void paintEvent(QPaintEvent*) override
+    {
+        constexpr QColor shade(0, 0, 0, 150); // a bright picture would dazzle among dark forms
+        QPainter painter(this);
+        painter.drawPixmap(0, 0, pixmap());
+        if (style::dark())
+            painter.fillRect(rect(), shade);
+    }
 };
 } // namespace
 
@@ -50,9 +57,10 @@ BGForm::BGForm(QWidget* area)
         label->setPalette(palette);
     };
     style::follow(this, [this, paint] {
-        paint(LabBig[0], style::Role::MenuGround);
-        paint(LabBig[1], style::Role::MenuText);
-        paint(Lab, style::Role::MenuGround);
+        const auto text = style::dark() ? style::Role::MenuText : style::Role::MenuGround;
+        paint(LabBig[0], text);
+        paint(LabBig[1], style::dark() ? style::Role::MenuGround : style::Role::MenuText);
+        paint(Lab, text);
     });
     setEnabled(false);
 }
