@@ -23,6 +23,9 @@
 #include <QHBoxLayout>
 #include <QInputMethod>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,6 +37,26 @@ double cellNumber(const Grid& grid, int row, int column)
 {
     return Val(grid.TextMatrix(row, column));
 }
+
+/// The keys in one line. Where the fields leave too little room, the last ones go as a whole.
+class KeyHint : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QString shown = text();
+        while (fontMetrics().horizontalAdvance(shown) > width())
+            shown = shown.section(gap, 0, -2);
+        QPainter painter(this);
+        style()->drawItemText(&painter, rect(), alignment().toInt(), palette(), isEnabled(), shown, foregroundRole());
+    }
+
+private:
+    static constexpr QChar gap = u'\u3000';
+};
 
 } // namespace
 
@@ -126,11 +149,12 @@ void LineEntry::build()
     CmdDel = makeButton(u"CmdDel"_s, u"删除货品"_s, [this] { deleteLine(); });
     ChkScan = makeCheck(u"ChkScan"_s, u"连续扫码(F8)"_s);
     ChkScan->setToolTip(u"扫一次编码，加一件"_s);
-    auto* hint = makeLabel(u"LabHint"_s, u"回车：下一格　Esc：放弃本格　↓：改明细　F2：货品编码　F3："_s +
-                                             kind_.partner + u"　F4：查找货品"_s);
+    auto* hint = new KeyHint(u"回车：下一格　Esc：放弃本格　↓：改明细　F2：货品编码　F3："_s + kind_.partner +
+                             u"　F4：查找货品"_s);
+    hint->setObjectName(u"LabHint"_s);
     auto* codeLabel = makeLabel(u"LabHPBM"_s, codeCaption);
     auto* quantityLabel = makeLabel(u"LabSL"_s, u"数量"_s);
-    for (QLabel* label : {hint, codeLabel, quantityLabel})
+    for (QLabel* label : {static_cast<QLabel*>(hint), codeLabel, quantityLabel})
         setLook(label, LabelLook::Field);
     hint->setMinimumWidth(1); // with a large font it gives way before the fields do
     auto* row = makeRow({codeLabel, TxtHPBM, CmdQuery, quantityLabel, TxtSL, CmdEnter, CmdDel, ChkScan, nullptr, hint});

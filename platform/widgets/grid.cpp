@@ -315,7 +315,9 @@ public:
     /// What a column needs to show its cell whole.
     int widthOf(int column) const
     {
-        const QString text = row.sibling(row.row(), column).data().toString();
+        QString text = textOf(column);
+        if (column == firstWithText())
+            text.prepend(allRows);
         return QFontMetrics(bold()).horizontalAdvance(text) + 2 * textMargin + 2;
     }
 
@@ -332,7 +334,7 @@ protected:
         painter.drawLine(left - 1, 0, left - 1, height());
         painter.setClipRect(left, 0, width() - left, height());
         painter.setFont(bold());
-        bool marked = !grid_.narrowed(); // else its first words must tell that it isn't the sum of the rows above it
+        const int marked = grid_.narrowed() ? firstWithText() : -1; // it isn't the sum of the rows above it then
         for (int column = 0; column < grid_.Cols(); ++column) {
             const QRect cell(left + grid_.columnViewportPosition(column), 1, grid_.columnWidth(column), height() - 2);
             if (cell.width() == 0)
@@ -343,9 +345,9 @@ protected:
             painter.drawLine(cell.topRight(), cell.bottomRight());
             painter.setPen(ink.isValid() ? ink : style::color(style::Role::Text));
             const QRect inside = cell.adjusted(textMargin, 0, -textMargin - 1, 0);
-            QString text = index.data().toString();
-            if (!text.isEmpty() && !std::exchange(marked, true))
-                text.prepend(u"全部"_s);
+            QString text = textOf(column);
+            if (column == marked)
+                text.prepend(allRows);
             text = painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width());
             painter.drawText(inside, grid_.model_->data(index, Qt::TextAlignmentRole).toInt(), text);
         }
@@ -353,6 +355,17 @@ protected:
 
 private:
     static constexpr int textMargin = 6;
+    static constexpr QStringView allRows = u"全部"; // before the totals of a narrowed list
+
+    QString textOf(int column) const { return row.sibling(row.row(), column).data().toString(); }
+
+    int firstWithText() const
+    {
+        for (int column = 0; column < grid_.Cols(); ++column)
+            if (!grid_.isColumnHidden(column) && !textOf(column).isEmpty())
+                return column;
+        return -1;
+    }
 
     QFont bold() const
     {
