@@ -37,7 +37,7 @@ QJsonObject readJson(const QString& path)
 QStringList texts(const QJsonValue& array)
 {
     QStringList list;
-    for (const QJsonValue& value : array.toArray())
+    for (const auto& value : array.toArray())
         list += value.toString();
     return list;
 }
@@ -83,7 +83,7 @@ SessionState SessionState::load(const QString& sessionFolder)
     const QJsonObject object = readJson(stateFile(sessionFolder));
     SessionState state;
     state.next = object.value(u"next"_s).toInteger();
-    for (const QJsonValue& box : object.value(u"boxes"_s).toArray())
+    for (const auto& box : object.value(u"boxes"_s).toArray())
         state.boxes += {box[u"text"_s].toString(), box[u"title"_s].toString(), box[u"error"_s].toBool()};
     state.answers = texts(object.value(u"answers"_s));
     state.shellCalls = texts(object.value(u"shellCalls"_s));

@@ -84,6 +84,9 @@ QString plainText(double x)
 {
     if (x == 0 || !std::isfinite(x))
         return QStringLiteral("0");
+    constexpr double beyond = 1e15;
+    if (std::abs(x) < beyond && std::trunc(x) == x) // nearly all quantities, and at no cost
+        return QString::number(qint64(x));
     const Decimal d = decimalOf(x, significantDigits);
     std::string text = d.negative ? "-" : "";
     if (d.pointAt > significantDigits || d.pointAt < -4) {
