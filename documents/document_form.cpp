@@ -594,7 +594,8 @@ void DocumentForm::Menu_save()
     const QString partnerCode = enteredPartner();
     QString number = Txt[Number]->text();
     const bool typed = number != ReservedNo;
-    noteSaving(number, partnerCode); // a sync of the local disk, for which nobody else shall wait
+    // Under the number as the test below trims it. A sync of the local disk, for which nobody else shall wait.
+    noteSaving(Trim(number), partnerCode);
     {
         // From the test of the number on, so that nobody else takes it meanwhile; and a consignee who is added comes
         // with the document or not at all.
