@@ -8,7 +8,6 @@
 #include "shell/session.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 
 #include <algorithm>
 
@@ -83,18 +82,4 @@ void GoodsLookup::choose()
         return;
     hide();
     emit chosen(code);
-}
-
-void GoodsLookup::leave()
-{
-    hide();
-    emit left();
-}
-
-void GoodsLookup::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Escape)
-        runCommand([this] { leave(); });
-    else
-        QFrame::keyPressEvent(event);
 }

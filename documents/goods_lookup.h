@@ -1,15 +1,14 @@
 #pragma once
 
+#include "documents/entry_panel.h"
 #include "platform/base/text.h"
-
-#include <QFrame>
 
 class Grid;
 class QLabel;
 class QPushButton;
 
 /// The goods look-up panel of the documents: the first goods whose code begins as typed. It is filled only when asked.
-class GoodsLookup : public QFrame
+class GoodsLookup : public EntryPanel
 {
     Q_OBJECT
 
@@ -27,13 +26,8 @@ public:
 
 signals:
     void chosen(const QString& code);
-    void left();
     void newGoodsWanted();
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void choose();
-    void leave();
 };

@@ -6,7 +6,6 @@
 #include "platform/widgets/style.h"
 #include "shell/session.h"
 
-#include <QKeyEvent>
 #include <QVBoxLayout>
 
 namespace {
@@ -98,20 +97,6 @@ void NewGoodsPanel::drop()
     hide();
     for (QLineEdit* edit : TxtN)
         edit->clear();
-}
-
-void NewGoodsPanel::leave()
-{
-    hide();
-    emit left();
-}
-
-void NewGoodsPanel::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Escape)
-        runCommand([this] { leave(); });
-    else
-        QFrame::keyPressEvent(event);
 }
 
 void NewGoodsPanel::choosePicture()

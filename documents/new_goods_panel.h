@@ -1,12 +1,11 @@
 #pragma once
 
+#include "documents/entry_panel.h"
 #include "platform/widgets/controls.h"
-
-#include <QFrame>
 
 /// `FrmNewGoods`: enters a goods record and the document's line for it in one step. The record starts without stock;
 /// the document's audit brings it.
-class NewGoodsPanel : public QFrame
+class NewGoodsPanel : public EntryPanel
 {
     Q_OBJECT
 
@@ -18,7 +17,7 @@ public:
     /// What stands in the fields of an open panel, in their order; empty when it is closed.
     QStringList texts() const;
     void show(const QStringList& texts);
-    using QFrame::show;
+    using EntryPanel::show;
     /// Closes the panel and forgets what was typed.
     void drop();
     /// @throws StoreError
@@ -34,15 +33,10 @@ public:
 
 signals:
     void added(const QString& code, const QString& quantity);
-    void left();
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum GoodsField { Code, Name, Category, Unit, Model, InPrice, SalePrice, Remark, Picture, Quantity, FieldCount };
 
     static EditKind editKindOf(int field);
-    void leave();
     void refuse(const QString& text, QWidget* where);
 };
