@@ -746,6 +746,21 @@ private slots:
         Grid::setOperator({});
     }
 
+    void figuresOfAListAreNeverCutOff()
+    {
+        Grid grid(u"GD"_s);
+        grid.actAsList();
+        grid.setColumns({{u"编码"_s, 100}, {u"数量"_s, 40, ColumnKind::Number}});
+        const auto whole = [&](int row) {
+            return grid.columnWidth(1) > grid.fontMetrics().horizontalAdvance(grid.TextMatrix(row, 1));
+        };
+        grid.setRows({{u"A1"_s, u"1234567.125"_s}});
+        QVERIFY(whole(1));
+        grid.AddItem(u"A2"_s);
+        grid.SetTextMatrix(2, 1, u"-98765432109.125"_s);
+        QVERIFY(whole(2));
+    }
+
     void narrowedListsKeepTheirRows()
     {
         QWidget holder;

@@ -431,6 +431,12 @@ Grid::Grid(const QString& name, QWidget* parent)
     // Before it: behind a reset nobody knows any more which row was hidden, and a row of the new list would stay so.
     connect(model_, &QAbstractItemModel::modelAboutToBeReset, this, &Grid::unpinTotals);
     connect(model_, &QAbstractItemModel::dataChanged, totals_, qOverload<>(&QWidget::update));
+    connect(model_, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex& from, const QModelIndex& to) {
+        if (!list_)
+            return;
+        measureRows(from.row(), to.row());
+        fitColumns();
+    });
 
     addAction(u"GridCopy"_s, u"复制(&C)"_s, QKeySequence::Copy, &Grid::copySelection);
     addAction(u"GridCopyAll"_s, u"全部复制(&A)"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C, &Grid::copyAll);
@@ -451,13 +457,11 @@ void Grid::dress()
     horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
     for (int column = 0; column < columns_.size(); ++column)
         setColumnWidth(column, style::scaled(columns_[column].width));
-    fitStretch();
-    if (pinned) {
+    measureAllRows();
+    if (pinned)
         pinTotals();
-    } else {
-        fitToRows();
+    else
         applyNarrowing();
-    }
     placeEditor();
     placeNote();
 }
@@ -470,6 +474,7 @@ void Grid::setColumns(const QList<GridColumn>& columns)
     defaultWidths_.clear();
     for (const GridColumn& column : columns)
         defaultWidths_ += column.width;
+    wishedWidths_.clear();
     model_->setColumns(columns);
     fixedRows_ = model_->grouped() ? 2 : 1;
     horizontalHeader()->setFixedHeight(fixedRows_ * style::headerHeight());
@@ -486,7 +491,7 @@ void Grid::setRows(QList<QStringList> rows)
     dropEdit();
     showAllRows();
     model_->setRows(std::move(rows));
-    fitToRows();
+    measureAllRows();
     applyNarrowing();
 }
 
@@ -610,45 +615,47 @@ void Grid::pinTotals()
     setRowHidden(last, true);
     totals_->pinned = true;
     totals_->row = model_->index(last, 0);
-    fitToRows();
+    fitColumns();
     if (!words_.isEmpty())
         applyNarrowing(); // which took them for a row
     updateGeometries();
 }
 
-/// A number that is cut off reads as another one, so its column grows in any case; those of texts where there is room.
-void Grid::fitToRows()
+/// What a list's columns need to show these rows, as far as it is more than before.
+void Grid::measureRows(int first, int last)
 {
-    for (int column = 0; column < Cols() && (list_ || totals_->pinned); ++column)
-        if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
-            setColumnWidth(column, std::max({columnWidth(column), list_ ? widthOfFigures(column) : 0,
-                                             totals_->pinned ? totals_->widthOf(column) : 0}));
+    constexpr int measured = 500; // a long list's texts aren't all measured for a few more letters
+    const QFontMetrics metrics(font());
+    const int digit = metrics.horizontalAdvance(u'0'); // the widest character of a number
+    const int blank = metrics.horizontalAdvance(u' ') + cellMargins(*this);
+    wishedWidths_.resize(list_ ? Cols() : 0);
+    for (int column = 0; column < wishedWidths_.size(); ++column) {
+        const bool figures = columns_[column].kind == ColumnKind::Number;
+        const int end = figures ? last : std::min(last, measured - 1);
+        int widest = 0;
+        for (int row = first; row <= end; ++row) {
+            const QString text = model_->text(row, column);
+            widest = std::max(widest, figures ? int(text.size()) * digit : metrics.horizontalAdvance(text));
+        }
+        wishedWidths_[column] = std::max(wishedWidths_[column], widest + blank);
+    }
+}
+
+void Grid::measureAllRows()
+{
     wishedWidths_.clear();
-    for (int column = 0; column < Cols() && list_; ++column)
-        wishedWidths_ += columns_[column].kind == ColumnKind::Number ? 0 : widthOfTexts(column);
+    measureRows(0, model_->rowCount() - 1);
+    fitColumns();
+}
+
+/// A number that is cut off reads as another one, so its column grows in any case; those of texts where there is room.
+void Grid::fitColumns()
+{
+    for (int column = 0; column < Cols(); ++column)
+        if (!isColumnHidden(column) && columns_[column].kind == ColumnKind::Number)
+            setColumnWidth(column, std::max({columnWidth(column), wishedWidths_.value(column),
+                                             totals_->pinned ? totals_->widthOf(column) : 0}));
     fitStretch();
-}
-
-/// By the longest text, as if it were of digits, which are the widest characters of a number.
-int Grid::widthOfFigures(int column) const
-{
-    qsizetype longest = 0;
-    for (int row = 0; row < model_->rowCount(); ++row)
-        longest = std::max(longest, model_->text(row, column).size());
-    const QFontMetrics metrics(font());
-    return int(longest) * metrics.horizontalAdvance(u'0') + metrics.horizontalAdvance(u' ') + cellMargins(*this);
-}
-
-/// By the widest of the first rows: a long list isn't measured for a few more letters.
-int Grid::widthOfTexts(int column) const
-{
-    constexpr int measured = 500;
-    const QFontMetrics metrics(font());
-    int widest = 0;
-    for (int row = 0; row < std::min(measured, model_->rowCount()); ++row)
-        if (const QString text = model_->text(row, column); !text.isEmpty())
-            widest = std::max(widest, metrics.horizontalAdvance(u' ' + text));
-    return widest + cellMargins(*this);
 }
 
 // ---- the words of an empty list
@@ -1155,8 +1162,8 @@ void Grid::saveAs()
     const QString offered = withSeparator(GetSetting(gridSettings, gridSection, folderKey, documents)) + title + u' ' +
                             todayText() + u".xlsx"_s;
     const auto path =
-        saveFileDialog(u"保存表格"_s, u"Excel工作簿(*.xlsx)|*.xlsx|逗号分隔的文本(*.csv)|*.csv"_s, offered);
-    if (!path || (fileExists(*path) && !askYesNo(u"文件“%1”已经存在，要替换它吗？"_s.arg(fileNameOf(*path)))))
+        askFileToWrite(u"保存表格"_s, u"Excel工作簿(*.xlsx)|*.xlsx|逗号分隔的文本(*.csv)|*.csv"_s, offered);
+    if (!path)
         return;
     TableContent table = content();
     table.sheet = title;

@@ -174,9 +174,9 @@ private:
     QString ownKey() const;
     void hideColumn(int column, bool hidden);
     void showColumn(int column);
-    void fitToRows();
-    int widthOfFigures(int column) const;
-    int widthOfTexts(int column) const;
+    void measureRows(int first, int last);
+    void measureAllRows();
+    void fitColumns();
     bool emptyList() const;
     void placeNote();
     void openColumnMenu();
@@ -209,7 +209,7 @@ private:
     QString before_; ///< the text that the edit began with
     QString widthsKey_;
     QList<int> defaultWidths_;
-    QList<int> wishedWidths_;    ///< of a list's texts, in pixels
+    QList<int> wishedWidths_;    ///< of a list's columns for what stands in them, in pixels
     std::vector<bool> putAside_; ///< columns that the operator has hidden
     bool list_ = false;
     bool arranging_ = false;

@@ -113,8 +113,7 @@ void Grid::arrange()
         showColumn(column);
     }
     arranging_ = false;
-    fitStretch();
-    fitToRows();
+    fitColumns();
     placeEditor();
 }
 
@@ -157,8 +156,7 @@ void Grid::hideColumn(int column, bool hidden)
     showColumn(column);
     if (!hidden)
         setColumnWidth(column, style::scaled(columns_[column].width));
-    fitStretch();
-    fitToRows();
+    fitColumns();
     saveWidths();
     applyNarrowing(); // only what shows is searched
 }
