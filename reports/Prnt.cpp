@@ -184,51 +184,42 @@ void Prnt::tellDone(const QString& text)
     LabDone->setVisible(!text.isEmpty());
 }
 
-void Prnt::tellSaved(const QString& path)
-{
-    SaveSetting(gProgramName, settingsSection.toString(), folderKey.toString(), folderOf(path));
-    tellDone(u"已保存到："_s + path);
-}
-
-/// Where to, or "" when the operator thought better of it.
-QString Prnt::exportPath(const QString& title, const QString& filter, QStringView extension)
+std::optional<QString> Prnt::exportPath(const QString& title, const QString& filter, QStringView extension)
 {
     const QString name = Trim(Cry.report()->title());
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString folder = GetSetting(gProgramName, settingsSection.toString(), folderKey.toString(), documents);
-    const auto chosen = saveFileDialog(
-        title, filter, withSeparator(folder) + (name.isEmpty() ? u"报表"_s : name) + u' ' + todayText() + extension);
-    if (!chosen)
-        return {};
-    if (fileExists(*chosen) && !askYesNo(u"文件 %1 已经存在，要替换它吗？"_s.arg(fileNameOf(*chosen))))
-        return {};
-    return *chosen;
+    return askFileToWrite(title, filter,
+                          withSeparator(folder) + (name.isEmpty() ? u"报表"_s : name) + u' ' + todayText() + extension);
+}
+
+/// @param write gives why it failed, or ""
+void Prnt::writeTo(const std::optional<QString>& path, const std::function<QString(const QString&)>& write)
+{
+    if (!path)
+        return;
+    tellDone({});
+    QString failure;
+    {
+        const BusyPointer busy;
+        failure = write(*path);
+    }
+    if (!failure.isEmpty())
+        return MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
+    SaveSetting(gProgramName, settingsSection.toString(), folderKey.toString(), folderOf(*path));
+    tellDone(u"已保存到："_s + *path);
 }
 
 void Prnt::Menu_pdf()
 {
-    const QString path = exportPath(u"导出PDF"_s, u"PDF文件(*.pdf)|*.pdf"_s, u".pdf");
-    if (path.isEmpty())
-        return;
-    const BusyPointer busy;
-    tellDone({});
-    if (!Cry.report()->toPdf(path))
-        return MsgBox(u"文件 %1 不能写入。请检查文件夹是否存在、文件是否正被别的程序打开。"_s.arg(path), u"提示"_s,
-                      BoxIcon::Exclamation);
-    tellSaved(path);
+    writeTo(exportPath(u"导出PDF"_s, u"PDF文件(*.pdf)|*.pdf"_s, u".pdf"),
+            [this](const QString& path) { return Cry.report()->toPdf(path) ? QString() : notWritten(path); });
 }
 
 void Prnt::Menu_xls()
 {
-    const QString path =
-        exportPath(u"导出Excel"_s, u"Excel工作簿(*.xlsx)|*.xlsx|逗号分隔的文本(*.csv)|*.csv"_s, u".xlsx");
-    if (path.isEmpty())
-        return;
-    const BusyPointer busy;
-    tellDone({});
-    if (const QString failure = writeTable(path, Cry.report()->table()); !failure.isEmpty())
-        return MsgBox(failure, u"提示"_s, BoxIcon::Exclamation);
-    tellSaved(path);
+    writeTo(exportPath(u"导出Excel"_s, u"Excel工作簿(*.xlsx)|*.xlsx|逗号分隔的文本(*.csv)|*.csv"_s, u".xlsx"),
+            [this](const QString& path) { return writeTable(path, Cry.report()->table()); });
 }
 
 void Prnt::help()

@@ -75,8 +75,8 @@ private:
     void find(int step);
     void loadZoom();
     void tellDone(const QString& text);
-    void tellSaved(const QString& path);
-    QString exportPath(const QString& title, const QString& filter, QStringView extension);
+    void writeTo(const std::optional<QString>& path, const std::function<QString(const QString&)>& write);
+    std::optional<QString> exportPath(const QString& title, const QString& filter, QStringView extension);
 
     struct Hit
     {

@@ -76,12 +76,11 @@ void ChartForm::Menu_save()
         return;
     const QString offered = withSeparator(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)) +
                             Caption() + u' ' + todayText() + u".png"_s;
-    const auto path = saveFileDialog(u"保存图片"_s, u"PNG图片(*.png)|*.png"_s, offered);
-    if (!path || (fileExists(*path) && !askYesNo(u"文件“%1”已经存在，要替换它吗？"_s.arg(fileNameOf(*path)))))
+    const auto path = askFileToWrite(u"保存图片"_s, u"PNG图片(*.png)|*.png"_s, offered);
+    if (!path)
         return;
     if (!Chart->savePicture(*path))
-        return MsgBox(u"文件 %1 不能写入。请检查文件夹是否存在、文件是否正被别的程序打开。"_s.arg(*path), u"提示"_s,
-                      BoxIcon::Exclamation);
+        return MsgBox(notWritten(*path), u"提示"_s, BoxIcon::Exclamation);
     setStatusPanel(4, u"图片已保存到："_s + *path);
 }
 

@@ -376,7 +376,7 @@ void PrintTest::exportsWhatIsOnPaper()
 
             // An old file is only replaced when the operator says so.
             boxes_->expectFile(u"导出PDF"_s, file(u"list.xlsx"_s));
-            boxes_->expect(u"文件 list.xlsx 已经存在，要替换它吗？"_s, Answer::No);
+            boxes_->expect(u"文件“list.xlsx”已经存在，要替换它吗？"_s, Answer::No);
             form.Menu_pdf();
             boxes_->expectFile(u"导出PDF"_s, file(u"nowhere/list.pdf"_s));
             boxes_->expectStart(u"文件 "_s + file(u"nowhere/list.pdf"_s));

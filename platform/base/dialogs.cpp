@@ -1,5 +1,7 @@
 #include "platform/base/dialogs.h"
 
+#include "platform/base/files.h"
+
 namespace {
 
 std::unique_ptr<DialogHost> host;
@@ -58,6 +60,19 @@ std::optional<QString> openFileDialog(const QString& title, const QString& filte
 std::optional<QString> saveFileDialog(const QString& title, const QString& filter, const QString& fileName)
 {
     return asking().chooseFile({FileRequest::Purpose::Save, title, filter, fileName});
+}
+
+std::optional<QString> askFileToWrite(const QString& title, const QString& filter, const QString& fileName)
+{
+    auto path = saveFileDialog(title, filter, fileName);
+    if (path && fileExists(*path) && !askYesNo(u"文件“%1”已经存在，要替换它吗？"_s.arg(fileNameOf(*path))))
+        path.reset();
+    return path;
+}
+
+QString notWritten(const QString& path)
+{
+    return u"文件 %1 不能写入。请检查文件夹是否存在、文件是否正被别的程序打开。"_s.arg(path);
 }
 
 std::optional<PrintJob> printDialog(const PrintRequest& request)

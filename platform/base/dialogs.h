@@ -93,6 +93,10 @@ void errorBox(const QString& text);
 QString InputBox(const QString& prompt, const QString& title, const QString& preset);
 std::optional<QString> openFileDialog(const QString& title, const QString& filter, const QString& fileName);
 std::optional<QString> saveFileDialog(const QString& title, const QString& filter, const QString& fileName);
+/// Where to write a file, an existing one only if the operator says so; nothing when they think better of it.
+std::optional<QString> askFileToWrite(const QString& title, const QString& filter, const QString& fileName);
+/// Why a file that was to be written isn't there, and what to look at.
+QString notWritten(const QString& path);
 /// The system's print dialog: printer, pages, copies, paper.
 std::optional<PrintJob> printDialog(const PrintRequest& request);
 void DoEvents();

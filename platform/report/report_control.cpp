@@ -1,5 +1,6 @@
 #include "platform/report/report_control.h"
 
+#include "platform/base/dialogs.h"
 #include "platform/base/files.h"
 #include "platform/report/printers.h"
 
@@ -97,7 +98,6 @@ QString ReportControl::print()
         return u"没有可用的打印机。请检查打印机是否已安装并打开。"_s;
     const int last = Job.last > 0 ? std::min(Job.last, report_->pageCount()) : report_->pageCount();
     if (!report_->print(*device, std::clamp(Job.first, 1, last), last, Job.paper))
-        return Job.file.isEmpty() ? u"打印机没有接受打印任务。请检查打印机是否已打开。"_s
-                                  : u"文件 %1 不能写入。"_s.arg(Job.file);
+        return Job.file.isEmpty() ? u"打印机没有接受打印任务。请检查打印机是否已打开。"_s : notWritten(Job.file);
     return {};
 }
